@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QString>
+#include <functional>
+#include <optional>
+
+namespace corvane::platform {
+
+// One request as the monitor hands it over: a fresh identifier, title and body as given, the
+// service's default sound, delivered at once.
+struct NotificationRequest {
+    QString identifier;
+    QString title;
+    QString body;
+    bool defaultSound = true;
+};
+
+// Bit values of the permission the application asks for.
+enum AuthorizationOption : unsigned {
+    AuthorizationBadge = 1,
+    AuthorizationSound = 2,
+    AuthorizationAlert = 4,
+};
+
+// Bit values of how a notification is shown while the application is active.
+enum PresentationOption : unsigned {
+    PresentationBadge = 1,
+    PresentationSound = 2,
+    PresentationAlert = 4,
+    PresentationList = 8,
+    PresentationBanner = 16,
+};
+
+class NotificationCentreDelegate {
+public:
+    virtual ~NotificationCentreDelegate() = default;
+    // Asked before each post while the application is active; answers presentation options.
+    virtual unsigned willPresent(const NotificationRequest& request) = 0;
+};
+
+// The desktop's notification service: org.freedesktop.Notifications on a D-Bus connection.
+// Every call returns at once; no call ever waits for the bus on the calling thread.
+class NotificationCentre : public QObject {
+    Q_OBJECT
+public:
+    using AuthorizationHandler = std::function<void(bool granted, std::optional<QString> error)>;
+
+    explicit NotificationCentre(QDBusConnection bus, QObject* parent = nullptr);
+    ~NotificationCentre() override;
+
+    // The application's one centre on the session bus, owned by the application object.
+    static NotificationCentre* current();
+
+    void setDelegate(NotificationCentreDelegate* delegate);
+    NotificationCentreDelegate* delegate() const { return delegate_; }
+
+    // Granted when the server answers GetServerInformation; denied, with the error, when
+    // there is no bus, no server, an error or no reply in time. The handler always runs once.
+    void requestAuthorization(unsigned options, AuthorizationHandler handler);
+
+    // Fire and forget: the outcome is never reported.
+    void add(const NotificationRequest& request);
+
+private:
+    QDBusConnection bus_;
+    NotificationCentreDelegate* delegate_ = nullptr;
+};
+
+}  // namespace corvane::platform
