@@ -1,6 +1,9 @@
 #include "sources/battery_info.h"
 
 #include <cmath>
+#include <limits>
+
+#include "sources/text_scan.h"
 
 namespace corvane::sources {
 
@@ -11,6 +14,24 @@ std::optional<std::int64_t> batteryLevelPercent(std::int64_t current, std::int64
         return std::nullopt;
     }
     return static_cast<std::int64_t>(level);
+}
+
+std::optional<std::int64_t> parseSysfsInteger(std::string_view bytes) {
+    if (bytes.ends_with('\n')) {
+        bytes.remove_suffix(1);
+    }
+    const auto value = scan::decimal(bytes);
+    if (!value || *value > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
+        return std::nullopt;
+    }
+    return static_cast<std::int64_t>(*value);
+}
+
+std::string_view sysfsText(std::string_view bytes) {
+    if (bytes.ends_with('\n')) {
+        bytes.remove_suffix(1);
+    }
+    return bytes;
 }
 
 }  // namespace corvane::sources

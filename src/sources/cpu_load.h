@@ -5,6 +5,8 @@
 #include <optional>
 #include <string_view>
 
+#include "sources/kernel_file.h"
+
 namespace corvane::sources {
 
 // Cumulative clock ticks since boot, summed over all processors. Linux splits processor time
@@ -22,14 +24,14 @@ std::optional<CpuTicks> parseCpuTicks(std::string_view procStat);
 // Share of non-idle time since boot, in percent. A zero total gives NaN, on purpose.
 double cpuUsagePercent(const CpuTicks& ticks);
 
-// Fetches the counters from <root>/proc/stat.
+// Fetches the counters from <root>/proc/stat, keeping the file open between reads.
 class CpuLoadReader {
-public:
+  public:
     explicit CpuLoadReader(std::filesystem::path root);
     std::optional<CpuTicks> read();
 
-private:
-    std::filesystem::path path_;
+  private:
+    KernelFile file_;
 };
 
 }  // namespace corvane::sources

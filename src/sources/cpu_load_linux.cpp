@@ -2,7 +2,10 @@
 
 namespace corvane::sources {
 
-CpuLoadReader::CpuLoadReader(std::filesystem::path root) : path_(root / "proc/stat") {}
-std::optional<CpuTicks> CpuLoadReader::read() { return std::nullopt; }  // TODO
+CpuLoadReader::CpuLoadReader(std::filesystem::path root) : file_((root / "proc/stat").string()) {}
+
+std::optional<CpuTicks> CpuLoadReader::read() {
+    return readParsed(file_, parseCpuTicks);
+}
 
 }  // namespace corvane::sources

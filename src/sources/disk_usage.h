@@ -25,11 +25,11 @@ std::optional<std::string> userHomeDirectory();
 std::optional<VolumeSize> statVolume(const std::string& path);
 
 class DiskReader {
-public:
+  public:
     DiskReader(HomeDirectoryQuery home = userHomeDirectory, VolumeQuery volume = statVolume);
     std::optional<VolumeSize> read();
 
-private:
+  private:
     HomeDirectoryQuery home_;
     VolumeQuery volume_;
 };

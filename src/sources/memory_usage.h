@@ -5,6 +5,8 @@
 #include <optional>
 #include <string_view>
 
+#include "sources/kernel_file.h"
+
 namespace corvane::sources {
 
 struct MemorySample {
@@ -21,13 +23,16 @@ std::optional<MemorySample> parseMeminfo(std::string_view meminfo, std::uint64_t
 // Active plus wired bytes as a share of physical memory, in percent. No guard against zero.
 double ramUsagePercent(const MemorySample& sample);
 
+// Fetches <root>/proc/meminfo, keeping the file open between reads. MemTotal x 1024 is the
+// figure glibc turns into sysconf(_SC_PHYS_PAGES) x page size, so reading it here gives the
+// same physical memory and keeps it under the root a test chooses.
 class MemoryReader {
-public:
+  public:
     MemoryReader(std::filesystem::path root, std::uint64_t pageSize);
     std::optional<MemorySample> read();
 
-private:
-    std::filesystem::path path_;
+  private:
+    KernelFile file_;
     std::uint64_t pageSize_;
 };
 

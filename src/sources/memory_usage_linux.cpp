@@ -5,8 +5,12 @@
 namespace corvane::sources {
 
 MemoryReader::MemoryReader(std::filesystem::path root, std::uint64_t pageSize)
-    : path_(root / "proc/meminfo"), pageSize_(pageSize) {}
-std::optional<MemorySample> MemoryReader::read() { return std::nullopt; }  // TODO
+    : file_((root / "proc/meminfo").string()), pageSize_(pageSize) {}
+
+std::optional<MemorySample> MemoryReader::read() {
+    return readParsed(file_,
+                      [this](std::string_view bytes) { return parseMeminfo(bytes, pageSize_); });
+}
 
 std::uint64_t systemPageSize() {
     const long size = sysconf(_SC_PAGESIZE);

@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <string_view>
 
+#include "sources/kernel_file.h"
+
 namespace corvane::sources {
 
 struct ByteTotals {
@@ -21,14 +23,15 @@ ByteTotals parseNetDev(std::string_view netDev);
 // down (an interface vanished or a counter reset) gives 0.0 for that call.
 double rateMegabytesPerSecond(std::uint64_t total, std::uint64_t lastTotal);
 
-// Reads <root>/proc/net/dev; a file that cannot be read counts as zero bytes.
+// Reads <root>/proc/net/dev, keeping the file open between reads; a file that cannot be
+// read counts as zero bytes.
 class NetworkReader {
-public:
+  public:
     explicit NetworkReader(std::filesystem::path root);
     ByteTotals read();
 
-private:
-    std::filesystem::path path_;
+  private:
+    KernelFile file_;
 };
 
 }  // namespace corvane::sources

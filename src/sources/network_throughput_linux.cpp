@@ -2,7 +2,13 @@
 
 namespace corvane::sources {
 
-NetworkReader::NetworkReader(std::filesystem::path root) : path_(root / "proc/net/dev") {}
-ByteTotals NetworkReader::read() { return {}; }  // TODO
+NetworkReader::NetworkReader(std::filesystem::path root)
+    : file_((root / "proc/net/dev").string()) {}
+
+ByteTotals NetworkReader::read() {
+    const auto totals =
+        readParsed(file_, [](std::string_view bytes) { return std::optional(parseNetDev(bytes)); });
+    return totals.value_or(ByteTotals{});
+}
 
 }  // namespace corvane::sources
