@@ -1,17 +1,26 @@
 #pragma once
 
 #include <QWidget>
+#include <array>
 #include <memory>
 
 #include "monitor/system_monitor.h"
 
+class QLabel;
+
 namespace corvane::ui {
+
+class CpuHistoryChart;
 
 // The dashboard: title, six metric rows and the CPU history chart, redrawn once per tick
 // from the monitor's published fields. Starts the monitor each time it is shown.
 class ContentView : public QWidget {
     Q_OBJECT
-public:
+  public:
+    static constexpr int kMinimumSide = 500;
+    static constexpr int kInset = 40;
+    static constexpr int kSpacing = 20;
+
     explicit ContentView(QWidget* parent = nullptr);
     explicit ContentView(std::shared_ptr<monitor::SystemMonitor> monitor,
                          QWidget* parent = nullptr);
@@ -19,11 +28,30 @@ public:
 
     const std::shared_ptr<monitor::SystemMonitor>& monitor() const { return monitor_; }
 
-protected:
+    // Rebuilds the six value texts and the chart from the monitor's current fields.
+    void refresh();
+
+  signals:
+    // After each refresh; lets observers count redraws.
+    void refreshed();
+
+  protected:
     void showEvent(QShowEvent* event) override;
 
-private:
+  private:
+    void markStale();
+    void scheduleRefresh();
+    void runScheduledRefresh();
+    void applyAccent();
+
     std::shared_ptr<monitor::SystemMonitor> monitor_;
+    QLabel* title_;
+    std::array<QLabel*, 6> labels_{};
+    std::array<QLabel*, 6> values_{};
+    QLabel* caption_;
+    CpuHistoryChart* chart_;
+    bool stale_ = false;
+    bool refreshScheduled_ = false;
 };
 
 }  // namespace corvane::ui

@@ -1,0 +1,46 @@
+#include "ui/metric_format.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace corvane::ui {
+
+namespace {
+
+// printf's "%.2f" without the locale. std::to_chars rounds the exact binary value like printf.
+std::string fixedTwoDecimals(double value) {
+    if (std::isnan(value)) {
+        return "nan";
+    }
+    if (std::isinf(value)) {
+        return value < 0 ? "-inf" : "inf";
+    }
+    // The largest double has 309 integer digits.
+    std::array<char, 320> buffer{};
+    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                      std::chars_format::fixed, 2);
+    return std::string(buffer.data(), result.ptr);
+}
+
+}  // namespace
+
+std::string formatPercent(double value) {
+    return fixedTwoDecimals(value) + " %";
+}
+
+std::string formatRate(double megabytesPerSecond) {
+    return fixedTwoDecimals(megabytesPerSecond) + " MB/s";
+}
+
+std::string formatBattery(std::int64_t level, std::string_view state) {
+    std::array<char, 24> digits{};
+    const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), level);
+    std::string text(digits.data(), result.ptr);
+    text += "% (";
+    text += state;
+    text += ')';
+    return text;
+}
+
+}  // namespace corvane::ui
