@@ -1,0 +1,85 @@
+#include "app/app_delegate.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QKeySequence>
+
+#include "app/status_title.h"
+#include "app/tray_glyph_icon.h"
+
+namespace corvane::app {
+
+namespace {
+
+// Amber reads on both light and dark panels.
+const QColor kGlyphColour(0xF5, 0xB7, 0x00);
+
+}  // namespace
+
+AppDelegate::AppDelegate(ShellFacilities facilities, QObject* parent)
+    : QObject(parent), facilities_(std::move(facilities)) {}
+
+AppDelegate::~AppDelegate() {
+    if (centre_ && centre_->delegate() == this) {
+        centre_->setDelegate(nullptr);
+    }
+}
+
+void AppDelegate::applicationDidFinishLaunching() {
+    centre_ = facilities_.notificationCentre();
+    if (centre_) {
+        centre_->setDelegate(this);
+        // The handler may run on the centre's thread and after this delegate is gone: it holds
+        // its own copy of the printer and nothing else.
+        centre_->requestAuthorization(
+            platform::AuthorizationAlert | platform::AuthorizationSound,
+            [print = facilities_.printLine](bool granted, std::optional<QString>) {
+                print(granted ? "Notification granted" : "Notification denied");
+            });
+    } else {
+        facilities_.printLine("Notification denied");
+    }
+    createStatusItem();
+}
+
+void AppDelegate::createStatusItem() {
+    statusItem_ = std::make_unique<QSystemTrayIcon>();
+    const bool trayAvailable = facilities_.systemTrayAvailable();
+    if (trayAvailable) {
+        statusItem_->setToolTip(QString::fromUtf8(kStatusTitle));
+        statusItem_->setIcon(trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour));
+    }
+
+    menu_ = std::make_unique<QMenu>();
+    QAction* open = menu_->addAction(QStringLiteral("Open App"));
+    open->setShortcut(QKeySequence(Qt::SHIFT | Qt::CTRL | Qt::Key_O));
+    connect(open, &QAction::triggered, this, &AppDelegate::openApp);
+    menu_->addSeparator();
+    QAction* quit = menu_->addAction(QStringLiteral("Quit"));
+    quit->setShortcut(QKeySequence(Qt::SHIFT | Qt::CTRL | Qt::Key_Q));
+    connect(quit, &QAction::triggered, qApp, &QCoreApplication::quit);
+    statusItem_->setContextMenu(menu_.get());
+
+    if (trayAvailable) {
+        statusItem_->show();
+    }
+    // With a tray the application lives on in it after its window is closed; without one,
+    // closing the window is the only way to end it.
+    QApplication::setQuitOnLastWindowClosed(!trayAvailable);
+}
+
+void AppDelegate::openApp() {
+    if (!window_) {
+        return;
+    }
+    window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
+    window_->show();
+    window_->raise();
+    window_->activateWindow();
+}
+
+unsigned AppDelegate::willPresent(const platform::NotificationRequest&) {
+    return platform::PresentationBanner | platform::PresentationSound;
+}
+
+}  // namespace corvane::app

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QMenu>
+#include <QObject>
+#include <QPointer>
+#include <QSystemTrayIcon>
+#include <QWidget>
+#include <memory>
+
+#include "app/shell_facilities.h"
+#include "platform/notification_centre.h"
+
+namespace corvane::app {
+
+// The application's delegate: told once when launch has finished, it registers for
+// notification presentation, asks for permission to post alerts with sound, and puts the tray
+// item "⚡︎ Monitoring..." with its menu "Open App" / "Quit" on the desktop. It never touches
+// the monitor.
+class AppDelegate : public QObject, public platform::NotificationCentreDelegate {
+    Q_OBJECT
+  public:
+    explicit AppDelegate(ShellFacilities facilities, QObject* parent = nullptr);
+    ~AppDelegate() override;
+
+    // Null until applicationDidFinishLaunching; then the one tray item for the rest of the run.
+    QSystemTrayIcon* statusItem() const { return statusItem_.get(); }
+
+    // The one dashboard window that "Open App" brings to the front.
+    void setWindow(QWidget* window) { window_ = window; }
+
+    void applicationDidFinishLaunching();
+
+    // Brings the dashboard window to the front: shown again if it was closed, raised and
+    // activated. Never creates a window.
+    void openApp();
+
+    // Every alert is shown as a banner with its sound, also while the application is active.
+    unsigned willPresent(const platform::NotificationRequest& request) override;
+
+  private:
+    void createStatusItem();
+
+    ShellFacilities facilities_;
+    QPointer<platform::NotificationCentre> centre_;
+    QPointer<QWidget> window_;
+    // Declared before the item so that the item, which points at it, goes first.
+    std::unique_ptr<QMenu> menu_;
+    std::unique_ptr<QSystemTrayIcon> statusItem_;
+};
+
+}  // namespace corvane::app

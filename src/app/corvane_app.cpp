@@ -1,0 +1,45 @@
+#include "app/corvane_app.h"
+
+#include <QMetaObject>
+
+namespace corvane::app {
+
+namespace {
+
+// Names must be in place before the QApplication exists: Qt reads them while it starts (the
+// tray item's title on D-Bus, the window class on X11, the app id on Wayland).
+int& namedBeforeStart(int& argc) {
+    QCoreApplication::setApplicationName(QStringLiteral("Corvane"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("corvane"));
+    return argc;
+}
+
+}  // namespace
+
+int CorvaneApp::main(int argc, char** argv) {
+    CorvaneApp app(
+        argc, argv, [] { return std::make_shared<monitor::SystemMonitor>(); },
+        desktopShellFacilities());
+    return app.exec();
+}
+
+CorvaneApp::CorvaneApp(int& argc, char** argv, MonitorFactory makeMonitor,
+                       ShellFacilities facilities)
+    : application_(namedBeforeStart(argc), argv), appDelegate_(std::move(facilities)) {
+    window_ = std::make_unique<ui::ContentView>(makeMonitor());
+    window_->resize(window_->sizeHint().expandedTo(QSize(500, 500)));
+    appDelegate_.setWindow(window_.get());
+    window_->show();
+    // Queued: the delegate hears of the finished launch from inside the running event loop.
+    QMetaObject::invokeMethod(
+        &appDelegate_, [this] { appDelegate_.applicationDidFinishLaunching(); },
+        Qt::QueuedConnection);
+}
+
+CorvaneApp::~CorvaneApp() = default;
+
+int CorvaneApp::exec() {
+    return QApplication::exec();
+}
+
+}  // namespace corvane::app

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QColor>
+#include <QIcon>
+#include <QString>
+
+namespace corvane::app {
+
+// An icon that draws `glyph` in DejaVu Sans at whatever size the panel asks for, so that the
+// tray shows a sharp sign on any panel height instead of a scaled bitmap.
+QIcon trayGlyphIcon(const QString& glyph, const QColor& colour);
+
+}  // namespace corvane::app
