@@ -1,7 +1,9 @@
 #include "sources/kernel_file.h"
 
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -26,6 +28,7 @@ KernelFile::KernelFile(KernelFile&& other) noexcept
     : path_(std::move(other.path_)),
       maxBytes_(other.maxBytes_),
       fd_(std::exchange(other.fd_, -1)),
+      checkLinks_(other.checkLinks_),
       buffer_(std::move(other.buffer_)) {}
 
 KernelFile& KernelFile::operator=(KernelFile&& other) noexcept {
@@ -34,6 +37,7 @@ KernelFile& KernelFile::operator=(KernelFile&& other) noexcept {
         path_ = std::move(other.path_);
         maxBytes_ = other.maxBytes_;
         fd_ = std::exchange(other.fd_, -1);
+        checkLinks_ = other.checkLinks_;
         buffer_ = std::move(other.buffer_);
     }
     return *this;
@@ -60,6 +64,9 @@ bool KernelFile::open() {
         ::close(fd);
         return false;
     }
+    struct statfs fileSystem {};
+    checkLinks_ = ::fstatfs(fd, &fileSystem) != 0 ||
+                  (fileSystem.f_type != PROC_SUPER_MAGIC && fileSystem.f_type != SYSFS_MAGIC);
     fd_ = fd;
     return true;
 }
@@ -67,6 +74,13 @@ bool KernelFile::open() {
 std::optional<std::string_view> KernelFile::read() {
     if (fd_ < 0 && !open()) {
         return std::nullopt;
+    }
+    if (checkLinks_) {
+        struct stat status {};
+        if (::fstat(fd_, &status) != 0 || status.st_nlink == 0) {
+            close();
+            return std::nullopt;
+        }
     }
     // One byte beyond the cap tells "exactly at the cap" from "too large".
     const std::size_t limit = maxBytes_ + 1;

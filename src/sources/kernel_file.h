@@ -12,6 +12,10 @@ namespace corvane::sources {
 // descriptor stays open between reads, so a sample costs a pread or two and no open/close.
 // Any failure (missing, not a regular file, read error, empty, larger than the cap) closes
 // the descriptor; the next read opens the path again.
+//
+// On procfs and sysfs a file that goes away fails its reads (ENODEV). On an ordinary file
+// system, such as a test's tree, a removed or replaced file stays readable through the kept
+// descriptor, so there each read first checks that the file still has a name.
 class KernelFile {
   public:
     static constexpr std::size_t kDefaultMaxBytes = std::size_t{1} << 20;
@@ -35,6 +39,7 @@ class KernelFile {
     std::string path_;
     std::size_t maxBytes_;
     int fd_ = -1;
+    bool checkLinks_ = false;
     std::vector<char> buffer_;
 };
 

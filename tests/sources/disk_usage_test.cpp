@@ -1,0 +1,51 @@
+#include "sources/disk_usage.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace corvane::sources {
+namespace {
+
+TEST(DiskUsagePercent, UsedShareOfTheVolume) {
+    EXPECT_EQ(diskUsagePercent({500e9, 125e9}), 75.0);
+    EXPECT_EQ(diskUsagePercent({500e9, 500e9}), 0.0);
+    EXPECT_EQ(diskUsagePercent({500e9, 0.0}), 100.0);
+    EXPECT_TRUE(std::isnan(diskUsagePercent({0.0, 0.0})));
+}
+
+TEST(DiskReader, MeasuresTheVolumeOfTheHomeItWasGiven) {
+    std::vector<std::string> asked;
+    DiskReader reader([] { return std::optional<std::string>("/home/ada"); },
+                      [&asked](const std::string& path) {
+                          asked.push_back(path);
+                          return std::optional<VolumeSize>({500e9, 125e9});
+                      });
+    const auto volume = reader.read();
+    ASSERT_TRUE(volume);
+    EXPECT_EQ(volume->freeBytes, 125e9);
+    EXPECT_EQ(asked, std::vector<std::string>{"/home/ada"});
+}
+
+TEST(DiskReader, EitherQueryFailingGivesNothing) {
+    bool volumeAsked = false;
+    DiskReader noHome([] { return std::optional<std::string>(); },
+                      [&volumeAsked](const std::string&) {
+                          volumeAsked = true;
+                          return std::optional<VolumeSize>({1.0, 1.0});
+                      });
+    EXPECT_EQ(noHome.read(), std::nullopt);
+    EXPECT_FALSE(volumeAsked);
+
+    DiskReader noVolume([] { return std::optional<std::string>("/home/ada"); },
+                        [](const std::string&) { return std::optional<VolumeSize>(); });
+    EXPECT_EQ(noVolume.read(), std::nullopt);
+}
+
+TEST(StatVolume, FailsForAPathThatDoesNotExist) {
+    EXPECT_EQ(statVolume("/nonexistent/corvane/home"), std::nullopt);
+    EXPECT_EQ(statVolume(""), std::nullopt);
+}
+
+}  // namespace
+}  // namespace corvane::sources
