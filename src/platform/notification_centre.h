@@ -3,7 +3,9 @@
 #include <QDBusConnection>
 #include <QObject>
 #include <QString>
+#include <chrono>
 #include <functional>
+#include <map>
 #include <optional>
 
 namespace corvane::platform {
@@ -34,7 +36,7 @@ enum PresentationOption : unsigned {
 };
 
 class NotificationCentreDelegate {
-public:
+  public:
     virtual ~NotificationCentreDelegate() = default;
     // Asked before each post while the application is active; answers presentation options.
     virtual unsigned willPresent(const NotificationRequest& request) = 0;
@@ -44,10 +46,17 @@ public:
 // Every call returns at once; no call ever waits for the bus on the calling thread.
 class NotificationCentre : public QObject {
     Q_OBJECT
-public:
+  public:
     using AuthorizationHandler = std::function<void(bool granted, std::optional<QString> error)>;
+    // Whether the application is the active one, which hands presentation to the delegate.
+    using ActiveQuery = std::function<bool()>;
+
+    // How long a call waits for the server before it counts as unanswered.
+    static constexpr std::chrono::milliseconds kReplyTimeout{3000};
 
     explicit NotificationCentre(QDBusConnection bus, QObject* parent = nullptr);
+    NotificationCentre(QDBusConnection bus, ActiveQuery isActive, QObject* parent = nullptr);
+    // Requests still unanswered are denied, from the event loop, never from here.
     ~NotificationCentre() override;
 
     // The application's one centre on the session bus, owned by the application object.
@@ -60,12 +69,18 @@ public:
     // there is no bus, no server, an error or no reply in time. The handler always runs once.
     void requestAuthorization(unsigned options, AuthorizationHandler handler);
 
-    // Fire and forget: the outcome is never reported.
+    // Fire and forget: the outcome is never reported. While the application is active the
+    // delegate chooses the presentation; without banner or list nothing is posted.
     void add(const NotificationRequest& request);
 
-private:
+  private:
+    void answerAuthorization(quint64 id, bool granted, std::optional<QString> error);
+
     QDBusConnection bus_;
+    ActiveQuery isActive_;
     NotificationCentreDelegate* delegate_ = nullptr;
+    quint64 nextAuthorization_ = 0;
+    std::map<quint64, AuthorizationHandler> pendingAuthorizations_;
 };
 
 }  // namespace corvane::platform
