@@ -1,7 +1,6 @@
 #include "ui/axis_range.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace corvane::ui {
@@ -29,17 +28,31 @@ AxisRange valueAxisRange(std::span<const double> values) {
         return AxisRange{};
     }
 
+    // The step is the nice number nearest to a quarter of the span, so there are three to
+    // seven intervals.
     const double rough = (high - low) / kTargetIntervals;
     const double magnitude = std::pow(10.0, std::floor(std::log10(rough)));
-    double step = 10.0 * magnitude;
-    for (const double factor : std::array{1.0, 2.0, 2.5, 5.0}) {
-        if (factor * magnitude >= rough) {
-            step = factor * magnitude;
-            break;
-        }
+    const double normalised = rough / magnitude;
+    double factor = 10.0;
+    if (normalised < 1.5) {
+        factor = 1.0;
+    } else if (normalised < 2.25) {
+        factor = 2.0;
+    } else if (normalised < 3.5) {
+        factor = 2.5;
+    } else if (normalised < 7.5) {
+        factor = 5.0;
     }
-    const double min = std::floor(low / step) * step;
-    const double max = std::ceil(high / step) * step;
+    const double step = factor * magnitude;
+    double min = std::floor(low / step) * step;
+    double max = std::ceil(high / step) * step;
+    // The products are rounded: make sure they still enclose the values.
+    if (min > low) {
+        min -= step;
+    }
+    if (max < high) {
+        max += step;
+    }
     const double intervals = std::round((max - min) / step);
     // Near the ends of the double range the grid itself overflows or underflows: fall back to
     // the data's own extent with ticks only at the ends.

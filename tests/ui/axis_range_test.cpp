@@ -1,0 +1,64 @@
+#include "ui/axis_range.h"
+
+#include <gtest/gtest.h>
+
+#include <cfloat>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+namespace corvane::ui {
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
+
+TEST(ValueAxisRange, RoundsUpFromZero) {
+    const struct {
+        std::vector<double> values;
+        AxisRange range;
+    } cases[] = {
+        {{}, {0.0, 1.0, 2}},
+        {{0.0, 0.0}, {0.0, 1.0, 2}},
+        {{37.25}, {0.0, 40.0, 5}},
+        {{12.5, 37.25, 20.0}, {0.0, 40.0, 5}},
+        {{10.0, 20.0, 45.0}, {0.0, 50.0, 6}},  // not stretched to 100
+        {{85.4}, {0.0, 100.0, 6}},
+        {{100.0}, {0.0, 100.0, 5}},
+        {{100.5}, {0.0, 125.0, 6}},
+        {{3.0}, {0.0, 3.0, 4}},
+        {{-10.0, 30.0}, {-10.0, 30.0, 5}},
+        // Values off the axis do not count.
+        {{kNaN, kInf, -kInf, 20.0}, {0.0, 20.0, 5}},
+        {{kNaN}, {0.0, 1.0, 2}},
+    };
+    for (const auto& c : cases) {
+        const AxisRange range = valueAxisRange(c.values);
+        EXPECT_EQ(range, c.range) << "values starting " << (c.values.empty() ? 0 : c.values[0])
+                                  << ": got " << range.min << ".." << range.max << " / "
+                                  << range.tickCount;
+    }
+}
+
+TEST(ValueAxisRange, StaysFiniteAndCoversTheValuesAtTheEndsOfTheDoubleRange) {
+    const std::vector<std::vector<double>> cases = {
+        {DBL_MAX}, {-DBL_MAX, DBL_MAX}, {4.9e-324},    {DBL_MIN},  {1e-300, 2e-300},
+        {1e300},   {0.1, 0.2, 0.3},     {99.99999999}, {-DBL_MAX},
+    };
+    for (const auto& values : cases) {
+        const AxisRange range = valueAxisRange(values);
+        SCOPED_TRACE(values.front());
+        EXPECT_TRUE(std::isfinite(range.min) && std::isfinite(range.max));
+        EXPECT_LT(range.min, range.max);
+        EXPECT_LE(range.min, 0.0);
+        EXPECT_GE(range.tickCount, 2);
+        EXPECT_LE(range.tickCount, 17);
+        for (const double value : values) {
+            EXPECT_LE(range.min, value);
+            EXPECT_GE(range.max, value);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace corvane::ui
