@@ -3,7 +3,9 @@
 #include <QFont>
 #include <QIconEngine>
 #include <QPainter>
+#include <QPainterPath>
 #include <QPixmap>
+#include <algorithm>
 #include <memory>
 
 namespace corvane::app {
@@ -16,20 +18,28 @@ class GlyphIconEngine : public QIconEngine {
         : glyph_(std::move(glyph)), colour_(std::move(colour)) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
+        // The sign's outline, scaled so that its ink (not its font box, which has room for
+        // accents and descenders) fills nine tenths of the square.
         QFont font(QStringLiteral("DejaVu Sans"));
-        // The sign is tall and narrow: nine tenths of the height fills the square without
-        // touching the edges.
-        font.setPixelSize(std::max(1, rect.height() * 9 / 10));
-        painter->save();
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->setRenderHint(QPainter::TextAntialiasing);
-        painter->setFont(font);
+        font.setPixelSize(64);
+        QPainterPath outline;
+        outline.addText(0, 0, font, glyph_);
+        const QRectF ink = outline.boundingRect();
+        if (ink.isEmpty()) {
+            return;
+        }
+        const qreal scale =
+            0.9 * std::min(rect.width() / ink.width(), rect.height() / ink.height());
         QColor colour = colour_;
         if (mode == QIcon::Disabled) {
             colour.setAlphaF(0.4f);
         }
-        painter->setPen(colour);
-        painter->drawText(rect, Qt::AlignCenter, glyph_);
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->translate(QRectF(rect).center());
+        painter->scale(scale, scale);
+        painter->translate(-ink.center());
+        painter->fillPath(outline, colour);
         painter->restore();
     }
 

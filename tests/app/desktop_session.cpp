@@ -1,0 +1,69 @@
+#include "app/desktop_session.h"
+
+#include <QTest>
+
+namespace corvane::testing {
+
+DesktopSession::DesktopSession(DesktopOffers offers)
+    : connection_(QStringLiteral("corvane-desktop-session-unused")) {
+    if (!display_.isRunning()) {
+        error_ = display_.error();
+        return;
+    }
+    if (!bus_.isRunning()) {
+        error_ = bus_.error();
+        return;
+    }
+    connection_ = bus_.connect();
+    if (!connection_.isConnected()) {
+        error_ = QStringLiteral("cannot connect to the private bus");
+        return;
+    }
+    if (offers.trayHost) {
+        watcher_ = std::make_unique<StatusNotifierWatcher>(connection_);
+        if (!watcher_->start()) {
+            error_ = QStringLiteral("cannot serve the tray watcher: ") +
+                     connection_.lastError().message();
+            return;
+        }
+    }
+    if (offers.notificationServer) {
+        server_ = std::make_unique<FakeNotificationServer>(connection_, offers.serverMode);
+        if (!server_->start()) {
+            error_ =
+                QStringLiteral("cannot serve notifications: ") + connection_.lastError().message();
+        }
+    }
+}
+
+// The served objects go before the bus connection they are registered on.
+DesktopSession::~DesktopSession() {
+    server_.reset();
+    watcher_.reset();
+}
+
+std::unique_ptr<AppProcess> DesktopSession::launch(const QString& program,
+                                                   const QStringList& arguments) {
+    return std::make_unique<AppProcess>(program, arguments, display_.name(), bus_.address());
+}
+
+std::optional<TrayClient> DesktopSession::waitForTray(int timeoutMs) {
+    if (!watcher_ ||
+        !QTest::qWaitFor([&] { return !watcher_->itemOwner().isEmpty(); }, timeoutMs)) {
+        return std::nullopt;
+    }
+    return TrayClient(connection_, watcher_->itemOwner());
+}
+
+int DesktopSession::trayItemCount() const {
+    return watcher_ ? static_cast<int>(watcher_->registeredItems().size()) : 0;
+}
+
+QString productBinary() {
+    return QStringLiteral(CORVANE_APP_BINARY);
+}
+QString testAppBinary() {
+    return QStringLiteral(CORVANE_TEST_APP_BINARY);
+}
+
+}  // namespace corvane::testing

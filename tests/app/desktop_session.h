@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QString>
+#include <QStringList>
+#include <memory>
+#include <optional>
+
+#include "app/app_process.h"
+#include "app/status_notifier_watcher.h"
+#include "app/tray_client.h"
+#include "app/virtual_display.h"
+#include "support/fake_notification_server.h"
+#include "support/private_bus.h"
+
+namespace corvane::testing {
+
+// What the desktop around the application offers.
+struct DesktopOffers {
+    bool trayHost = true;
+    bool notificationServer = true;
+    FakeNotificationServer::Mode serverMode = FakeNotificationServer::Mode::Answer;
+};
+
+// A desktop of our own for one test: a virtual display, a private session bus and, as asked,
+// a panel that hosts tray items and a notification server, both served by the test process.
+class DesktopSession {
+  public:
+    explicit DesktopSession(DesktopOffers offers);
+    ~DesktopSession();
+
+    // Empty when everything started; otherwise what did not.
+    const QString& error() const { return error_; }
+
+    std::unique_ptr<AppProcess> launch(const QString& program, const QStringList& arguments = {});
+
+    // The application's tray item once it registered with the panel, or nullopt after the
+    // timeout.
+    std::optional<TrayClient> waitForTray(int timeoutMs);
+    // How many items registered with the panel so far.
+    int trayItemCount() const;
+
+    FakeNotificationServer* notificationServer() { return server_.get(); }
+
+  private:
+    VirtualDisplay display_;
+    PrivateBus bus_;
+    QDBusConnection connection_;
+    std::unique_ptr<StatusNotifierWatcher> watcher_;
+    std::unique_ptr<FakeNotificationServer> server_;
+    QString error_;
+};
+
+// Paths of the built programs, from the build system.
+QString productBinary();
+QString testAppBinary();
+
+}  // namespace corvane::testing
