@@ -48,7 +48,6 @@ CpuHistoryChart::CpuHistoryChart(QWidget* parent)
     setFrameShape(QFrame::NoFrame);
     setBackgroundBrush(Qt::NoBrush);
     viewport()->setAutoFillBackground(false);
-    setAttribute(Qt::WA_TranslucentBackground);
     setFixedHeight(kHeight);
 
     setHistory({});

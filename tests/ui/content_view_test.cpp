@@ -39,20 +39,6 @@ class ContentViewTest : public ::testing::Test {
     // Lets the queued refresh and the layout run, as the event loop would after a tick.
     static void settle() { QCoreApplication::processEvents(); }
 
-    // A busy laptop: 85.4 % CPU, a quarter of memory, three quarters of the disk, 85 % charge
-    // on AC, and after the second tick 1.5 MB/s down and 0.5 MB/s up.
-    void twoTicksOfABusyLaptop() {
-        machine.setCpuPerMille(854);
-        machine.setMemoryKb(16 * kGiBInKb, 4 * kGiBInKb);
-        machine.setVolume(500e9, 125e9);
-        machine.setBattery(85, 100, true, "Charging");
-        machine.setNetTotals(10 * kMiB, 20 * kMiB);
-        view.show();
-        machine.setNetTotals(13 * kMiB, 21 * kMiB);
-        machine.fireTimer();
-        settle();
-    }
-
     void saveImage(const QImage& image, const char* name) const {
         const QString path = QDir(CORVANE_UI_ARTIFACTS).filePath(name);
         ASSERT_TRUE(image.save(path)) << path.toStdString();
@@ -64,7 +50,6 @@ class ContentViewTest : public ::testing::Test {
 };
 
 TEST_F(ContentViewTest, ShowsTheInitialValuesUntilTheFirstTick) {
-    EXPECT_EQ(view.monitor(), monitor);
     EXPECT_EQ(machine.timerCount(), 0u) << "creating the dashboard must not start sampling";
     EXPECT_EQ(values(), QStringList({"0.00 %", "0.00 %", "0.00 %", "0% (Unknown)", "0.00 MB/s",
                                      "0.00 MB/s"}));
@@ -85,7 +70,15 @@ class ContentViewLocaleTest : public ContentViewTest,
 TEST_P(ContentViewLocaleTest, RowsShowTheFieldsWithAFullStop) {
     const LocaleGuard locale(GetParam());
     ASSERT_TRUE(locale.active()) << "locale " << GetParam() << " is not generated";
-    twoTicksOfABusyLaptop();
+    machine.setCpuPerMille(854);
+    machine.setMemoryKb(16 * kGiBInKb, 4 * kGiBInKb);
+    machine.setVolume(500e9, 125e9);
+    machine.setBattery(85, 100, true, "Charging");
+    machine.setNetTotals(10 * kMiB, 20 * kMiB);
+    view.show();
+    machine.setNetTotals(13 * kMiB, 21 * kMiB);  // 3 MiB and 1 MiB in 2 s
+    machine.fireTimer();
+    settle();
     EXPECT_EQ(values(), QStringList({"85.40 %", "25.00 %", "75.00 %", "85% (Charging)", "1.50 MB/s",
                                      "0.50 MB/s"}));
 }
@@ -100,17 +93,6 @@ TEST_F(ContentViewTest, ANaNUsageShowsAsNanAndLeavesTheChartEmpty) {
     EXPECT_EQ(monitor->cpuHistory().size(), 1u);
     EXPECT_TRUE(chart().series().points().isEmpty());
     EXPECT_FALSE(view.grab().isNull());
-}
-
-TEST_F(ContentViewTest, EachAppearanceStartsMonitoringOnce) {
-    view.show();
-    EXPECT_EQ(machine.timerCount(), 1u);
-    view.show();  // already on screen: not a new appearance
-    EXPECT_EQ(machine.timerCount(), 1u);
-    view.hide();
-    EXPECT_EQ(machine.timerCount(), 1u);
-    view.show();
-    EXPECT_EQ(machine.timerCount(), 2u);
 }
 
 TEST_F(ContentViewTest, ATickIsOneRefreshAfterControlReturnsToTheEventLoop) {
@@ -136,10 +118,14 @@ TEST_F(ContentViewTest, ATickIsOneRefreshAfterControlReturnsToTheEventLoop) {
     EXPECT_EQ(refreshes.count(), 3) << "no refresh without a change";
 }
 
-TEST_F(ContentViewTest, AHiddenDashboardCatchesUpOnceWhenShownAgain) {
+// Each appearance starts the monitor once; while hidden nothing is redrawn, and showing the
+// dashboard again brings one refresh with the latest values.
+TEST_F(ContentViewTest, StartsOnEachAppearanceAndCatchesUpOnceWhenShownAgain) {
     QSignalSpy refreshes(&view, &ContentView::refreshed);
     view.show();
+    view.show();  // already on screen: not a new appearance
     settle();
+    EXPECT_EQ(machine.timerCount(), 1u);
     view.hide();
     refreshes.clear();
 
@@ -151,6 +137,7 @@ TEST_F(ContentViewTest, AHiddenDashboardCatchesUpOnceWhenShownAgain) {
     EXPECT_EQ(values()[0], "20.00 %");
 
     view.show();
+    EXPECT_EQ(machine.timerCount(), 2u);
     settle();
     EXPECT_EQ(refreshes.count(), 1);
     EXPECT_EQ(values()[0], "50.00 %");
@@ -192,24 +179,8 @@ TEST_F(ContentViewTest, GrowsWithTheWindowKeepingValuesRightAndExtraHeightBelow)
     const QImage image = view.grab().toImage();
     EXPECT_EQ(image.pixelColor(450, 980), QColor(Qt::black));
     EXPECT_EQ(image.pixelColor(5, 5), QColor(Qt::black));
-}
-
-TEST_F(ContentViewTest, TextStyles) {
-    const QLabel* title = view.findChild<QLabel*>("title");
-    EXPECT_EQ(title->font().pixelSize(), 26);
-    EXPECT_TRUE(title->font().bold());
-    EXPECT_EQ(title->palette().color(QPalette::WindowText), QColor(64, 224, 208));
-    for (int row = 0; row < 6; ++row) {
-        for (const char* kind : {"label", "value"}) {
-            EXPECT_EQ(label(kind, row)->font().pixelSize(), 17);
-            EXPECT_FALSE(label(kind, row)->font().bold());
-            EXPECT_EQ(label(kind, row)->palette().color(QPalette::WindowText),
-                      QColor(64, 224, 208));
-        }
-    }
-    const QLabel* caption = view.findChild<QLabel*>("caption");
-    EXPECT_EQ(caption->font().pixelSize(), 13);
-    EXPECT_EQ(caption->palette().color(QPalette::WindowText), QColor(Qt::white));
+    // So is the chart's own background.
+    EXPECT_EQ(image.pixelColor(chart().geometry().topLeft() + QPoint(2, 2)), QColor(Qt::black));
 }
 
 TEST_F(ContentViewTest, ChartHoldsTheLastThirtyTicks) {
@@ -239,8 +210,6 @@ TEST_F(ContentViewTest, ChartHoldsTheLastThirtyTicks) {
     machine.fireTimer();
     settle();
     expectPoints(2.0);
-    EXPECT_GE(chart().yAxis().max(), monitor->cpuHistory().back());
-    EXPECT_LE(chart().yAxis().max(), 40.0);
     EXPECT_EQ(chart().xAxis().max(), 29.0);
 
     view.resize(560, 720);

@@ -5,6 +5,7 @@
 #include <QLineSeries>
 #include <QValueAxis>
 #include <cfloat>
+#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -40,29 +41,31 @@ TEST(CpuHistoryChart, DrawsEachFiniteValueAtItsPosition) {
     }
 }
 
+// Near the ends of the double range the nice-number grid overflows; the axis must still
+// cover every finite value and the chart must still paint.
 TEST(CpuHistoryChart, PaintsValuesAtTheEndsOfTheDoubleRange) {
     const std::vector<std::vector<double>> cases = {
-        {DBL_MAX, 1.0}, {-DBL_MAX, DBL_MAX}, {4.9e-324}, {1e300, kNaN, -1e300}, {-5.0, kInf},
+        {DBL_MAX, 1.0},        {-DBL_MAX, DBL_MAX}, {4.9e-324},      {DBL_MIN},
+        {1e300, kNaN, -1e300}, {-5.0, kInf},        {0.1, 0.2, 0.3}, {99.99999999},
     };
     CpuHistoryChart chart;
     chart.resize(420, 150);
     for (const auto& history : cases) {
+        SCOPED_TRACE(history.front());
         chart.setHistory(history);
-        EXPECT_LE(chart.yAxis().min(), 0.0);
-        EXPECT_GT(chart.yAxis().max(), chart.yAxis().min());
+        const double min = chart.yAxis().min();
+        const double max = chart.yAxis().max();
+        EXPECT_TRUE(std::isfinite(min) && std::isfinite(max));
+        EXPECT_LE(min, 0.0);
+        EXPECT_LT(min, max);
+        for (const double value : history) {
+            if (std::isfinite(value)) {
+                EXPECT_LE(min, value);
+                EXPECT_GE(max, value);
+            }
+        }
         EXPECT_FALSE(chart.grab().isNull());
     }
-}
-
-TEST(CpuHistoryChart, IsOneSeriesWithoutLegendOrBackground) {
-    CpuHistoryChart chart;
-    EXPECT_EQ(chart.chart()->series().size(), 1);
-    EXPECT_FALSE(chart.chart()->legend()->isVisible());
-    EXPECT_FALSE(chart.chart()->isBackgroundVisible());
-    EXPECT_EQ(chart.height(), 150);
-    // Axis labels must read on black.
-    EXPECT_GT(chart.xAxis().labelsBrush().color().lightness(), 128);
-    EXPECT_GT(chart.yAxis().labelsBrush().color().lightness(), 128);
 }
 
 }  // namespace

@@ -26,14 +26,13 @@ TEST(MetricFormat, UsageRates) {
         {0.0, "0.00 %", "0.00 MB/s"},
         {7.0, "7.00 %", "7.00 MB/s"},
         {100.0, "100.00 %", "100.00 MB/s"},
+        {250.125, "250.12 %", "250.12 MB/s"},  // unclamped; an exact tie rounds to even
         {37.25, "37.25 %", "37.25 MB/s"},
         {3.14159, "3.14 %", "3.14 MB/s"},
-        {0.5, "0.50 %", "0.50 MB/s"},
-        {250.125, "250.12 %", "250.12 MB/s"},  // unclamped, and an exact tie rounds to even
         {-3.5, "-3.50 %", "-3.50 MB/s"},
         {1234567.891, "1234567.89 %", "1234567.89 MB/s"},  // no grouping
         {kNaN, "nan %", "nan MB/s"},
-        {-kNaN, "nan %", "nan MB/s"},  // the sign bit of a NaN is not shown
+        {std::copysign(kNaN, -1.0), "nan %", "nan MB/s"},  // its sign bit is not shown
         {kInf, "inf %", "inf MB/s"},
         {-kInf, "-inf %", "-inf MB/s"},
     };
@@ -47,10 +46,8 @@ TEST(MetricFormat, UsageRates) {
 TEST(MetricFormat, Battery) {
     EXPECT_EQ(formatBattery(85, "Charging"), "85% (Charging)");
     EXPECT_EQ(formatBattery(0, "Unknown"), "0% (Unknown)");
-    EXPECT_EQ(formatBattery(7, "On Battery"), "7% (On Battery)");
-    EXPECT_EQ(formatBattery(-1, ""), "-1% ()");
-    EXPECT_EQ(formatBattery(std::numeric_limits<std::int64_t>::min(), "On Battery"),
-              "-9223372036854775808% (On Battery)");
+    EXPECT_EQ(formatBattery(std::numeric_limits<std::int64_t>::min(), ""),
+              "-9223372036854775808% ()");
 }
 
 // printf in the C locale is the reference for every finite value, rounding ties included.
