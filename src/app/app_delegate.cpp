@@ -39,17 +39,13 @@ void AppDelegate::applicationDidFinishLaunching() {
     } else {
         facilities_.printLine("Notification denied");
     }
-    createStatusItem();
+    buildMenu();
+    // Whether there is a tray is asked of the bus; the answer comes back here later, so that a
+    // stuck panel cannot hold up the application.
+    facilities_.probeSystemTray(this, [this](bool available) { createStatusItem(available); });
 }
 
-void AppDelegate::createStatusItem() {
-    statusItem_ = std::make_unique<QSystemTrayIcon>();
-    const bool trayAvailable = facilities_.systemTrayAvailable();
-    if (trayAvailable) {
-        statusItem_->setToolTip(QString::fromUtf8(kStatusTitle));
-        statusItem_->setIcon(trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour));
-    }
-
+void AppDelegate::buildMenu() {
     menu_ = std::make_unique<QMenu>();
     QAction* open = menu_->addAction(QStringLiteral("Open App"));
     open->setShortcut(QKeySequence(Qt::SHIFT | Qt::CTRL | Qt::Key_O));
@@ -58,14 +54,20 @@ void AppDelegate::createStatusItem() {
     QAction* quit = menu_->addAction(QStringLiteral("Quit"));
     quit->setShortcut(QKeySequence(Qt::SHIFT | Qt::CTRL | Qt::Key_Q));
     connect(quit, &QAction::triggered, qApp, &QCoreApplication::quit);
-    statusItem_->setContextMenu(menu_.get());
+}
 
-    if (trayAvailable) {
-        statusItem_->show();
-    }
+void AppDelegate::createStatusItem(bool trayAvailable) {
     // With a tray the application lives on in it after its window is closed; without one,
     // closing the window is the only way to end it.
     QApplication::setQuitOnLastWindowClosed(!trayAvailable);
+    if (!trayAvailable) {
+        return;
+    }
+    statusItem_ = std::make_unique<QSystemTrayIcon>();
+    statusItem_->setToolTip(QString::fromUtf8(kStatusTitle));
+    statusItem_->setIcon(trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour));
+    statusItem_->setContextMenu(menu_.get());
+    statusItem_->show();
 }
 
 void AppDelegate::openApp() {

@@ -22,8 +22,11 @@ class AppDelegate : public QObject, public platform::NotificationCentreDelegate 
     explicit AppDelegate(ShellFacilities facilities, QObject* parent = nullptr);
     ~AppDelegate() override;
 
-    // Null until applicationDidFinishLaunching; then the one tray item for the rest of the run.
+    // Null until the launch hook has learnt that the desktop has a tray; then the one tray
+    // item for the rest of the run. Stays null on a desktop without a tray.
     QSystemTrayIcon* statusItem() const { return statusItem_.get(); }
+    // The item's menu, built by the launch hook whether or not there is a tray.
+    QMenu* statusMenu() const { return menu_.get(); }
 
     // The one dashboard window that "Open App" brings to the front.
     void setWindow(QWidget* window) { window_ = window; }
@@ -38,7 +41,8 @@ class AppDelegate : public QObject, public platform::NotificationCentreDelegate 
     unsigned willPresent(const platform::NotificationRequest& request) override;
 
   private:
-    void createStatusItem();
+    void buildMenu();
+    void createStatusItem(bool trayAvailable);
 
     ShellFacilities facilities_;
     QPointer<platform::NotificationCentre> centre_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QObject>
 #include <functional>
 #include <string_view>
 
@@ -11,14 +12,15 @@ namespace corvane::app {
 struct ShellFacilities {
     // The notification service the delegate registers with and asks for permission.
     std::function<platform::NotificationCentre*()> notificationCentre;
-    // Whether the desktop shows tray items (a StatusNotifier host or an XEmbed tray).
-    std::function<bool()> systemTrayAvailable;
+    // Answers, now or later on the thread of `context`, whether the desktop shows tray items
+    // (a StatusNotifier host or an XEmbed tray). Must not wait on the bus.
+    std::function<void(QObject* context, std::function<void(bool)> done)> probeSystemTray;
     // Where the one permission line goes; may be called from any thread.
     std::function<void(std::string_view)> printLine;
 };
 
-// The desktop's own facilities: the session bus's notification service, Qt's tray probe and
-// standard output.
+// The desktop's own facilities: the session bus's notification service and tray watcher (or
+// X11 tray), and standard output.
 ShellFacilities desktopShellFacilities();
 
 }  // namespace corvane::app

@@ -22,7 +22,9 @@ class AppDelegateTest : public ::testing::Test {
     ShellFacilities facilities(bool trayAvailable) {
         ShellFacilities f;
         f.notificationCentre = [this] { return &centre; };
-        f.systemTrayAvailable = [trayAvailable] { return trayAvailable; };
+        f.probeSystemTray = [trayAvailable](QObject*, std::function<void(bool)> done) {
+            done(trayAvailable);
+        };
         f.printLine = [this](std::string_view line) {
             std::lock_guard lock(mutex);
             lines.emplace_back(line);
@@ -48,13 +50,9 @@ TEST_F(AppDelegateTest, LaunchWithoutTrayBuildsTheMenuButShowsNothing) {
     delegate.applicationDidFinishLaunching();
 
     EXPECT_EQ(centre.delegate(), &delegate);
-    QSystemTrayIcon* item = delegate.statusItem();
-    ASSERT_NE(item, nullptr);
-    EXPECT_FALSE(item->isVisible());
-    EXPECT_TRUE(item->toolTip().isEmpty());
-    EXPECT_TRUE(item->icon().isNull());
-    ASSERT_NE(item->contextMenu(), nullptr);
-    const QList<QAction*> actions = item->contextMenu()->actions();
+    EXPECT_EQ(delegate.statusItem(), nullptr);
+    ASSERT_NE(delegate.statusMenu(), nullptr);
+    const QList<QAction*> actions = delegate.statusMenu()->actions();
     ASSERT_EQ(actions.size(), 3);
     EXPECT_EQ(actions[0]->text(), QStringLiteral("Open App"));
     EXPECT_EQ(actions[0]->shortcut(), QKeySequence(QStringLiteral("Shift+Ctrl+O")));
@@ -77,6 +75,7 @@ TEST_F(AppDelegateTest, LaunchWithTrayShowsTitleAndGlyphAndOutlivesTheWindow) {
     EXPECT_EQ(item->toolTip().toUtf8(), QByteArray("\xE2\x9A\xA1\xEF\xB8\x8E Monitoring..."));
     EXPECT_FALSE(item->icon().isNull());
     EXPECT_TRUE(item->isVisible());
+    EXPECT_EQ(item->contextMenu(), delegate.statusMenu());
     EXPECT_FALSE(QApplication::quitOnLastWindowClosed());
     QApplication::setQuitOnLastWindowClosed(true);
 }
@@ -90,7 +89,7 @@ TEST_F(AppDelegateTest, OpenAppBringsBackTheOneWindow) {
 
     window.showMinimized();
     window.close();
-    delegate.statusItem()->contextMenu()->actions()[0]->trigger();
+    delegate.statusMenu()->actions()[0]->trigger();
 
     EXPECT_TRUE(window.isVisible());
     EXPECT_FALSE(window.isMinimized());

@@ -19,13 +19,19 @@ DesktopSession::DesktopSession(DesktopOffers offers)
         error_ = QStringLiteral("cannot connect to the private bus");
         return;
     }
-    if (offers.trayHost) {
+    if (offers.trayHost != DesktopOffers::TrayHost::None) {
         watcher_ = std::make_unique<StatusNotifierWatcher>(connection_);
         if (!watcher_->start()) {
             error_ = QStringLiteral("cannot serve the tray watcher: ") +
                      connection_.lastError().message();
             return;
         }
+    }
+    if (offers.trayHost == DesktopOffers::TrayHost::Hung) {
+        // Calls to the watcher are delivered to its thread, which never gets to them.
+        watcher_->moveToThread(&hungThread_);
+        hungThread_.start();
+        QMetaObject::invokeMethod(watcher_.get(), [this] { hungRelease_.acquire(); });
     }
     if (offers.notificationServer) {
         server_ = std::make_unique<FakeNotificationServer>(connection_, offers.serverMode);
@@ -39,6 +45,11 @@ DesktopSession::DesktopSession(DesktopOffers offers)
 // The served objects go before the bus connection they are registered on.
 DesktopSession::~DesktopSession() {
     server_.reset();
+    if (hungThread_.isRunning()) {
+        hungRelease_.release();
+        hungThread_.quit();
+        hungThread_.wait();
+    }
     watcher_.reset();
 }
 

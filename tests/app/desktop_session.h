@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QSemaphore>
 #include <QString>
 #include <QStringList>
+#include <QThread>
 #include <memory>
 #include <optional>
 
@@ -17,13 +19,15 @@ namespace corvane::testing {
 
 // What the desktop around the application offers.
 struct DesktopOffers {
-    bool trayHost = true;
+    enum class TrayHost { None, Answering, Hung };
+    TrayHost trayHost = TrayHost::Answering;
     bool notificationServer = true;
     FakeNotificationServer::Mode serverMode = FakeNotificationServer::Mode::Answer;
 };
 
 // A desktop of our own for one test: a virtual display, a private session bus and, as asked,
-// a panel that hosts tray items and a notification server, both served by the test process.
+// a panel that hosts tray items (or one that has stopped answering) and a notification server, both
+// served by the test process.
 class DesktopSession {
   public:
     explicit DesktopSession(DesktopOffers offers);
@@ -47,6 +51,9 @@ class DesktopSession {
     PrivateBus bus_;
     QDBusConnection connection_;
     std::unique_ptr<StatusNotifierWatcher> watcher_;
+    // A hung panel's watcher lives on a thread that is kept busy until the session ends.
+    QThread hungThread_;
+    QSemaphore hungRelease_;
     std::unique_ptr<FakeNotificationServer> server_;
     QString error_;
 };

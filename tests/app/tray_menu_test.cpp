@@ -94,7 +94,7 @@ TEST_F(TrayMenuTest, OpenAppShowsTheClosedWindowAgainWithoutASecondOne) {
 // Without a panel to host it, the item is never shown, and the window is the application:
 // closing it ends the run normally.
 TEST(TraylessDesktopTest, ClosingTheWindowEndsTheApplication) {
-    DesktopSession session{DesktopOffers{.trayHost = false}};
+    DesktopSession session{DesktopOffers{.trayHost = DesktopOffers::TrayHost::None}};
     ASSERT_TRUE(session.error().isEmpty()) << session.error().toStdString();
     auto app = session.launch(testAppBinary(),
                               {QStringLiteral("--close-window-after"), QStringLiteral("3000")});
@@ -103,6 +103,19 @@ TEST(TraylessDesktopTest, ClosingTheWindowEndsTheApplication) {
     EXPECT_TRUE(app->isRunning());
     ASSERT_TRUE(app->waitForExit(kStartMs)) << "closing the only window kept the app running";
     EXPECT_TRUE(app->exitedNormally());
+    EXPECT_EQ(app->exitCode(), 0);
+}
+
+// A panel whose watcher owns its name but answers nothing: the application treats it as no
+// tray instead of waiting on it, so its window still closes (and ends it) on time.
+TEST(TraylessDesktopTest, StuckPanelIsNoTrayAndHoldsNothingUp) {
+    DesktopSession session{DesktopOffers{.trayHost = DesktopOffers::TrayHost::Hung}};
+    ASSERT_TRUE(session.error().isEmpty()) << session.error().toStdString();
+    auto app = session.launch(testAppBinary(),
+                              {QStringLiteral("--close-window-after"), QStringLiteral("4000")});
+
+    ASSERT_TRUE(app->waitForOutput(QStringLiteral("Notification granted\n"), kStartMs));
+    ASSERT_TRUE(app->waitForExit(10000)) << "the application waited on the stuck panel";
     EXPECT_EQ(app->exitCode(), 0);
 }
 
