@@ -13,8 +13,8 @@
 namespace corvane::monitor {
 
 // Creates the repeating timer that drives the ticks and hands back a reference to it.
-using TimerFactory =
-    std::function<QPointer<QObject>(std::chrono::milliseconds period, std::function<void()> action)>;
+using TimerFactory = std::function<QPointer<QObject>(std::chrono::milliseconds period,
+                                                     std::function<void()> action)>;
 
 // Hands one request to the notification centre without waiting.
 using NotificationPoster = std::function<void(const platform::NotificationRequest&)>;
@@ -26,8 +26,8 @@ struct MonitorEnvironment {
     sources::HomeDirectoryQuery homeDirectory = sources::userHomeDirectory;
     sources::VolumeQuery volume = sources::statVolume;
     platform::WallClock wallClock = [] { return std::chrono::system_clock::now(); };
-    TimerFactory startTimer;          // default: a grid timer owned by the application object
-    NotificationPoster post;          // default: the application's notification centre
+    TimerFactory startTimer;  // default: a grid timer owned by the application object
+    NotificationPoster post;  // default: the application's notification centre
 };
 
 }  // namespace corvane::monitor

@@ -59,8 +59,8 @@ SystemMonitor::~SystemMonitor() = default;
 
 void SystemMonitor::startMonitoring() {
     updateValues();
-    timer_ = environment_.startTimer(
-        kTickPeriod, [self = shared_from_this()] { self->updateValues(); });
+    timer_ =
+        environment_.startTimer(kTickPeriod, [self = shared_from_this()] { self->updateValues(); });
 }
 
 void SystemMonitor::updateValues() {
@@ -125,8 +125,8 @@ void SystemMonitor::checkThresholds() {
     if (lastNotificationDate_ && now - *lastNotificationDate_ < kCoolDown) {
         return;
     }
-    const std::optional<Alert> alert = firstAlert(
-        {cpuUsage_, ramUsage_, diskUsage_, batteryLevel_, batteryState_});
+    const std::optional<Alert> alert =
+        firstAlert({cpuUsage_, ramUsage_, diskUsage_, batteryLevel_, batteryState_});
     if (!alert) {
         return;
     }

@@ -24,7 +24,7 @@ namespace corvane::monitor {
 // Held by std::shared_ptr: a started monitor is kept alive by its timer's action.
 class SystemMonitor : public QObject, public std::enable_shared_from_this<SystemMonitor> {
     Q_OBJECT
-public:
+  public:
     static constexpr std::chrono::milliseconds kTickPeriod{2000};
     static constexpr std::size_t kHistoryLength = 30;
     static constexpr std::chrono::duration<double> kCoolDown{10.0};
@@ -52,11 +52,10 @@ public:
     void updateBatteryInfo();
     void updateNetwork();
 
-signals:
+  signals:
     void objectWillChange();
 
-private:
-
+  private:
     void updateValues();
     void checkThresholds();
     void sendNotification(const std::string& title, const std::string& body);

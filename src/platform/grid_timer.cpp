@@ -19,8 +19,8 @@ steady_clock::time_point nextGridPoint(steady_clock::time_point origin,
     return origin + periods * period;
 }
 
-GridTimer::GridTimer(std::chrono::nanoseconds period, std::function<void()> action,
-                     QObject* parent, SteadyClock clock)
+GridTimer::GridTimer(std::chrono::nanoseconds period, std::function<void()> action, QObject* parent,
+                     SteadyClock clock)
     : QObject(parent),
       clock_(std::move(clock)),
       origin_(clock_()),

@@ -1,9 +1,9 @@
 #include "support/fake_machine.h"
 
+#include <unistd.h>
 #include <QObject>
 #include <atomic>
 #include <fstream>
-#include <unistd.h>
 
 namespace corvane::testing {
 
@@ -13,9 +13,12 @@ namespace {
 
 fs::path makeTempRoot() {
     static std::atomic<int> counter{0};
-    const fs::path root = fs::temp_directory_path() /
-                          ("corvane-machine-" + std::to_string(::getpid()) + "-" +
-                           std::to_string(counter++));
+    // tmpfs where there is one: tests rewrite these files thousands of times.
+    std::error_code error;
+    const fs::path base =
+        fs::is_directory("/dev/shm", error) ? fs::path("/dev/shm") : fs::temp_directory_path();
+    const fs::path root =
+        base / ("corvane-machine-" + std::to_string(::getpid()) + "-" + std::to_string(counter++));
     fs::remove_all(root);
     fs::create_directories(root);
     return root;
@@ -46,7 +49,9 @@ void FakeMachine::writeFile(const fs::path& relative, const std::string& content
     out << content;
 }
 
-void FakeMachine::removeFile(const fs::path& relative) { fs::remove_all(root_ / relative); }
+void FakeMachine::removeFile(const fs::path& relative) {
+    fs::remove_all(root_ / relative);
+}
 
 void FakeMachine::setCpuTicks(std::uint64_t user, std::uint64_t nice, std::uint64_t system,
                               std::uint64_t idle) {
@@ -56,7 +61,9 @@ void FakeMachine::setCpuTicks(std::uint64_t user, std::uint64_t nice, std::uint6
                                "cpu0 1 0 1 1 0 0 0 0 0 0\nintr 0\nctxt 0\nbtime 0\n");
 }
 
-void FakeMachine::setCpuPerMille(std::uint64_t busy) { setCpuTicks(busy, 0, 0, 1000 - busy); }
+void FakeMachine::setCpuPerMille(std::uint64_t busy) {
+    setCpuTicks(busy, 0, 0, 1000 - busy);
+}
 
 void FakeMachine::setMemoryKb(std::uint64_t totalKb, std::uint64_t activeKb,
                               std::uint64_t wiredKb) {
@@ -75,7 +82,9 @@ void FakeMachine::setVolume(double sizeBytes, double freeBytes) {
     volume_ = sources::VolumeSize{sizeBytes, freeBytes};
 }
 
-void FakeMachine::failVolume() { volume_.reset(); }
+void FakeMachine::failVolume() {
+    volume_.reset();
+}
 
 void FakeMachine::setBattery(std::int64_t now, std::int64_t full, bool onAc,
                              const std::string& status) {
@@ -123,9 +132,7 @@ monitor::MonitorEnvironment FakeMachine::environment() {
         timerHandles_.push_back(std::make_unique<QObject>());
         return QPointer<QObject>(timerHandles_.back().get());
     };
-    env.post = [this](const platform::NotificationRequest& request) {
-        posted_.push_back(request);
-    };
+    env.post = [this](const platform::NotificationRequest& request) { posted_.push_back(request); };
     return env;
 }
 
