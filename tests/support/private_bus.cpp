@@ -1,7 +1,9 @@
 #include "support/private_bus.h"
 
+#include <sys/prctl.h>
 #include <QFile>
 #include <QUuid>
+#include <csignal>
 
 namespace corvane::testing {
 
@@ -45,6 +47,8 @@ PrivateBus::PrivateBus() {
 
     daemon_ = std::make_unique<QProcess>();
     daemon_->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    // A test that crashes or is killed by its timeout must not leave the daemon behind.
+    daemon_->setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
     daemon_->start(QStringLiteral("dbus-daemon"),
                    {QStringLiteral("--config-file=") + configPath,
                     QStringLiteral("--print-address"), QStringLiteral("--nofork")});
