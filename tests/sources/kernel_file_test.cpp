@@ -92,16 +92,5 @@ TEST(KernelFile, ReadParsedReopensOnceOnlyForAKeptDescriptor) {
     EXPECT_EQ(readParsed(file, text), "new\n");
 }
 
-TEST(KernelFile, MovedFileKeepsItsBuffer) {
-    TempTree tree;
-    tree.write("f", "abc");
-    KernelFile first(pathIn(tree, "f"));
-    ASSERT_TRUE(first.read());
-    KernelFile second = std::move(first);
-    EXPECT_FALSE(first.isOpen());  // NOLINT(bugprone-use-after-move): moved-from state is defined
-    EXPECT_EQ(second.read(), "abc");
-    EXPECT_EQ(testing::openDescriptorsUnder(tree.root()).size(), 1u);
-}
-
 }  // namespace
 }  // namespace corvane::sources
