@@ -18,7 +18,7 @@ namespace corvane::testing {
 // Start state: an idle desktop without battery, one quiet Ethernet interface, a half-full
 // home volume. Tests change one thing at a time and look at what the monitor makes of it.
 class FakeMachine {
-public:
+  public:
     FakeMachine();
     ~FakeMachine();
     FakeMachine(const FakeMachine&) = delete;
@@ -59,7 +59,7 @@ public:
     // An environment whose readers, clock, timers and notification post all point here.
     monitor::MonitorEnvironment environment();
 
-private:
+  private:
     std::filesystem::path root_;
     std::optional<sources::VolumeSize> volume_;
     std::chrono::system_clock::time_point now_;
