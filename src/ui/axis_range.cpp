@@ -28,20 +28,18 @@ AxisRange valueAxisRange(std::span<const double> values) {
         return AxisRange{};
     }
 
-    // The step is the nice number nearest to a quarter of the span, so there are three to
-    // seven intervals.
+    // The step is the smallest nice number at or above a quarter of the span, so there are at
+    // most four intervals (five labels, one more when the values reach below zero): in the
+    // chart's 150 pixels, more labels would be too close to print and the chart elides them.
     const double rough = (high - low) / kTargetIntervals;
     const double magnitude = std::pow(10.0, std::floor(std::log10(rough)));
     const double normalised = rough / magnitude;
     double factor = 10.0;
-    if (normalised < 1.5) {
-        factor = 1.0;
-    } else if (normalised < 2.25) {
-        factor = 2.0;
-    } else if (normalised < 3.5) {
-        factor = 2.5;
-    } else if (normalised < 7.5) {
-        factor = 5.0;
+    for (const double nice : {1.0, 2.0, 2.5, 5.0}) {
+        if (normalised <= nice) {
+            factor = nice;
+            break;
+        }
     }
     const double step = factor * magnitude;
     double min = std::floor(low / step) * step;
