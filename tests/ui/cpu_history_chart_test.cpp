@@ -23,7 +23,7 @@ TEST(CpuHistoryChart, DrawsEachFiniteValueAtItsPosition) {
         double maxY;
     } cases[] = {
         {{}, {}, 29.0, 1.0},
-        {{42.0}, {{0.0, 42.0}}, 29.0, 50.0},
+        {{42.0}, {{0.0, 42.0}}, 29.0, 60.0},
         {{5.0, 7.5, 3.0}, {{0.0, 5.0}, {1.0, 7.5}, {2.0, 3.0}}, 29.0, 8.0},
         // Values that are not finite are left out; the line joins their neighbours.
         {{10.0, kNaN, kInf, 20.0, -kInf}, {{0.0, 10.0}, {3.0, 20.0}}, 29.0, 20.0},
