@@ -4,6 +4,7 @@
 #include <QObject>
 #include <atomic>
 #include <fstream>
+#include <iterator>
 
 namespace corvane::testing {
 
@@ -44,9 +45,17 @@ FakeMachine::~FakeMachine() {
 void FakeMachine::writeFile(const fs::path& relative, const std::string& content) {
     const fs::path path = root_ / relative;
     fs::create_directories(path.parent_path());
+    if (fs::is_directory(path)) {
+        fs::remove_all(path);
+    }
     // Rewritten in place, like a procfs file that regenerates under a descriptor kept open.
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     out << content;
+}
+
+std::string FakeMachine::readFile(const fs::path& relative) const {
+    std::ifstream in(root_ / relative, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 void FakeMachine::removeFile(const fs::path& relative) {
@@ -124,7 +133,7 @@ monitor::MonitorEnvironment FakeMachine::environment() {
     monitor::MonitorEnvironment env;
     env.root = root_;
     env.pageSize = 4096;
-    env.homeDirectory = [] { return std::optional<std::string>("/home/user"); };
+    env.homeDirectory = [this] { return home_; };
     env.volume = [this](const std::string&) { return volume_; };
     env.wallClock = [this] { return now_; };
     env.startTimer = [this](std::chrono::milliseconds, std::function<void()> action) {

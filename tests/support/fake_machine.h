@@ -35,6 +35,8 @@ class FakeMachine {
     void setMemoryKb(std::uint64_t totalKb, std::uint64_t activeKb, std::uint64_t wiredKb = 0);
     void setVolume(double sizeBytes, double freeBytes);
     void failVolume();
+    // What the home directory query answers; nullopt makes it fail.
+    void setHomeDirectory(std::optional<std::string> home) { home_ = std::move(home); }
     // BAT0 with energy_now/energy_full and an AC adapter that is online or not.
     void setBattery(std::int64_t now, std::int64_t full, bool onAc,
                     const std::string& status = "Discharging");
@@ -42,7 +44,9 @@ class FakeMachine {
     // /proc/net/dev with one counted interface (eth0) and the loopback.
     void setNetTotals(std::uint64_t received, std::uint64_t sent);
 
+    // Replaces a directory that stands where the file should be.
     void writeFile(const std::filesystem::path& relative, const std::string& content);
+    std::string readFile(const std::filesystem::path& relative) const;
     void removeFile(const std::filesystem::path& relative);
 
     // The wall clock the alert cool-down reads.
@@ -62,6 +66,7 @@ class FakeMachine {
   private:
     std::filesystem::path root_;
     std::optional<sources::VolumeSize> volume_;
+    std::optional<std::string> home_{"/home/user"};
     std::chrono::system_clock::time_point now_;
     std::vector<std::function<void()>> timers_;
     std::vector<platform::NotificationRequest> posted_;
