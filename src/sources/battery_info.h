@@ -55,6 +55,7 @@ class PowerSourceReader {
         KernelFile status;
     };
 
+    static Battery batteryFiles(const std::string& supply, Capacity capacity);
     void rescan();
     std::optional<PowerSource> readScanned();
 

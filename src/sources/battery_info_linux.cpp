@@ -1,4 +1,5 @@
 #include <dirent.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <memory>
@@ -25,6 +26,10 @@ std::optional<std::string> readText(const std::string& supply, const char* name)
 
 std::optional<std::int64_t> readInteger(KernelFile& file) {
     return readParsed(file, parseSysfsInteger);
+}
+
+bool exists(const KernelFile& file) {
+    return !file.path().empty() && ::access(file.path().c_str(), F_OK) == 0;
 }
 
 // Entry names in byte order, without "." and "..". A missing folder has none.
@@ -69,9 +74,28 @@ std::optional<PowerSource> PowerSourceReader::read() {
     return source;
 }
 
+PowerSourceReader::Battery PowerSourceReader::batteryFiles(const std::string& supply,
+                                                           Capacity capacity) {
+    switch (capacity) {
+        case Capacity::Energy:
+            return {capacity, attribute(supply, "energy_now"), attribute(supply, "energy_full"),
+                    attribute(supply, "status")};
+        case Capacity::Charge:
+            return {capacity, attribute(supply, "charge_now"), attribute(supply, "charge_full"),
+                    attribute(supply, "status")};
+        case Capacity::Percent:
+            break;
+    }
+    return {capacity, attribute(supply, "capacity"), KernelFile(std::string{}),
+            attribute(supply, "status")};
+}
+
 // Every supply's `type`; a Battery counts unless its `scope` is "Device" (a mouse or a game
 // pad reports its own battery here). The first battery by name is the power source. Its
-// capacity pair is chosen by what reads now: energy_*, else charge_*, else capacity.
+// capacity pair is chosen by what reads now: energy_*, else charge_*, else capacity. When
+// none reads, the first pair the battery has is kept: the scan after a failed read sees a
+// value that is unreadable for a moment, and must not settle on a pair the battery lacks
+// until the next periodic scan.
 void PowerSourceReader::rescan() {
     scanned_ = true;
     readsSinceScan_ = 0;
@@ -84,18 +108,21 @@ void PowerSourceReader::rescan() {
         if (type == "Mains" || type == "USB") {
             chargerOnline_.push_back(attribute(supply, "online"));
         } else if (type == "Battery" && !battery_ && readText(supply, "scope") != "Device") {
-            battery_.emplace(Battery{Capacity::Energy, attribute(supply, "energy_now"),
-                                     attribute(supply, "energy_full"),
-                                     attribute(supply, "status")});
-            if (!readInteger(battery_->now) || !readInteger(battery_->full)) {
-                battery_->capacity = Capacity::Charge;
-                battery_->now = attribute(supply, "charge_now");
-                battery_->full = attribute(supply, "charge_full");
-                if (!readInteger(battery_->now) || !readInteger(battery_->full)) {
-                    battery_->capacity = Capacity::Percent;
-                    battery_->now = attribute(supply, "capacity");
-                    battery_->full = KernelFile(std::string{});
+            std::optional<Capacity> offered;
+            for (const Capacity capacity :
+                 {Capacity::Energy, Capacity::Charge, Capacity::Percent}) {
+                Battery candidate = batteryFiles(supply, capacity);
+                if (readInteger(candidate.now) &&
+                    (capacity == Capacity::Percent || readInteger(candidate.full))) {
+                    battery_.emplace(std::move(candidate));
+                    break;
                 }
+                if (!offered && (exists(candidate.now) || exists(candidate.full))) {
+                    offered = capacity;
+                }
+            }
+            if (!battery_) {
+                battery_.emplace(batteryFiles(supply, offered.value_or(Capacity::Percent)));
             }
         }
     }
@@ -127,12 +154,19 @@ std::optional<PowerSource> PowerSourceReader::readScanned() {
         external = *status;
     } else {
         // 1 is a fixed-voltage supply, 2 a programmable one (USB PD). A charger whose `online`
-        // cannot be read is not supplying power; the next scan drops it if it is gone.
+        // cannot be read leaves the state unknown unless another one is online: the read
+        // fails, and the scan that follows at once drops a charger that went away.
+        bool unknown = false;
         for (KernelFile& online : chargerOnline_) {
-            if (readInteger(online).value_or(0) > 0) {
+            const auto value = readInteger(online);
+            if (value && *value > 0) {
                 external = true;
                 break;
             }
+            unknown = unknown || !value;
+        }
+        if (!external && unknown) {
+            return std::nullopt;
         }
     }
     source.powerSourceState = external ? "AC Power" : "Battery Power";

@@ -95,8 +95,8 @@ TEST(PowerSourceReader, StateFromChargersElseFromTheBatteryStatus) {
         {"Discharging\n", "0\n", "0\n", "Battery Power"},
         {"Discharging\n", "0\n", "2\n", "AC Power"},  // USB PD: programmable supply online
         {"Discharging\n", nullptr, "1\n", "AC Power"},
-        {"Charging\n", "garbage\n", nullptr, "Battery Power"},
-        {nullptr, "1\n", nullptr, "AC Power"},  // status is not needed then
+        {"Discharging\n", "garbage\n", "1\n", "AC Power"},  // an unreadable one hides nothing
+        {nullptr, "1\n", nullptr, "AC Power"},              // status is not needed then
     };
     for (const auto& c : cases) {
         const TempTree tree;
