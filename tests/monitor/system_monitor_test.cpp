@@ -182,33 +182,6 @@ TEST_F(MonitorTest, RatesStayWhileEitherStoredTotalIsZero) {
     EXPECT_EQ(announcements.size(), 4u);       // no rate written without a base
 }
 
-TEST_F(MonitorTest, FailedReadsGiveNeutralValuesAndKeepTheBatteryFields) {
-    machine.setBattery(50, 100, true);
-    auto monitor = makeMonitor();
-    monitor->startMonitoring();
-    ASSERT_EQ(monitor->batteryLevel(), 50);
-
-    machine.removeFile("proc/stat");
-    machine.removeFile("proc/meminfo");
-    machine.failVolume();
-    machine.removeBattery();
-    machine.fireTimer();
-    EXPECT_EQ(monitor->cpuUsage(), 0.0);
-    EXPECT_EQ(monitor->ramUsage(), 0.0);
-    EXPECT_EQ(monitor->diskUsage(), 0.0);
-    EXPECT_EQ(monitor->cpuHistory().back(), 0.0);
-    EXPECT_EQ(monitor->batteryLevel(), 50);
-    EXPECT_EQ(monitor->batteryState(), "Charging");
-}
-
-TEST_F(MonitorTest, AZeroMaximumCapacityWritesNeitherBatteryField) {
-    machine.setBattery(50, 0, false);
-    auto monitor = makeMonitor();
-    monitor->startMonitoring();
-    EXPECT_EQ(monitor->batteryLevel(), 0);
-    EXPECT_EQ(monitor->batteryState(), "Unknown");
-}
-
 TEST_F(MonitorTest, AZeroCpuTotalIsNotANumber) {
     machine.setCpuTicks(0, 0, 0, 0);
     auto monitor = makeMonitor();
