@@ -6,7 +6,7 @@
 namespace corvane::testing {
 
 AppProcess::AppProcess(const QString& program, const QStringList& arguments, const QString& display,
-                       const QString& busAddress) {
+                       const QString& busAddress, bool captureErrors) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     // Nothing of the desktop the tests were started from may leak in: no Wayland, no platform
     // theme, no desktop-specific tray or notification integration.
@@ -19,8 +19,14 @@ AppProcess::AppProcess(const QString& program, const QStringList& arguments, con
     environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), busAddress);
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimeDirectory_.path());
     process_.setProcessEnvironment(environment);
-    // Qt's warnings go to the test log, where a failure can be read next to them.
-    process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    // Qt's warnings go to the test log, where a failure can be read next to them, unless the
+    // test reads them itself (e.g. for a sanitizer's report).
+    if (captureErrors) {
+        QObject::connect(&process_, &QProcess::readyReadStandardError,
+                         [this] { errors_ += QString::fromUtf8(process_.readAllStandardError()); });
+    } else {
+        process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    }
     QObject::connect(&process_, &QProcess::readyReadStandardOutput,
                      [this] { output_ += QString::fromUtf8(process_.readAllStandardOutput()); });
     sinceStart_.start();
@@ -43,6 +49,7 @@ bool AppProcess::waitForExit(int timeoutMs) {
     const bool exited = QTest::qWaitFor([&] { return !isRunning(); }, timeoutMs);
     // Whatever the program wrote last arrives with its exit.
     output_ += QString::fromUtf8(process_.readAllStandardOutput());
+    errors_ += QString::fromUtf8(process_.readAllStandardError());
     return exited;
 }
 

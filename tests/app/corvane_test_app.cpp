@@ -7,9 +7,14 @@
 //   --close-window-after MS    close the dashboard window as a user would
 //   --screenshot FILE          save the dashboard window as a PNG ...
 //   --screenshot-after MS      ... this long after start (default 2500)
+//   --gap-report FILE          write the worst gap of a 5 ms main-thread timer (ms) to FILE,
+//                              every second and at exit
 #include <QFile>
+#include <QSaveFile>
 #include <QTimer>
 #include <QWidget>
+#include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <string>
 
@@ -23,6 +28,7 @@ struct Options {
     int closeWindowAfterMs = -1;
     QString screenshot;
     int screenshotAfterMs = 2500;
+    QString gapReport;
 };
 
 Options parse(int argc, char** argv) {
@@ -40,6 +46,8 @@ Options parse(int argc, char** argv) {
             options.screenshot = QString::fromLocal8Bit(value);
         } else if (name == "--screenshot-after") {
             options.screenshotAfterMs = std::stoi(value);
+        } else if (name == "--gap-report") {
+            options.gapReport = QString::fromLocal8Bit(value);
         }
     }
     return options;
@@ -83,6 +91,44 @@ class WindowReporter : public QObject {
     QString path_;
 };
 
+// How long the main thread stayed away from its event loop: a 5 ms precise timer keeps the
+// longest interval between two of its firings. The figure is rewritten every second, so a test
+// that has to kill a stuck application still finds it, and once more when the application quits.
+class GapRecorder : public QObject {
+  public:
+    GapRecorder(QString path, QObject* parent) : QObject(parent), path_(std::move(path)) {
+        beat_.setTimerType(Qt::PreciseTimer);
+        connect(&beat_, &QTimer::timeout, this, [this] {
+            const auto now = Clock::now();
+            worst_ = std::max(worst_, now - last_);
+            last_ = now;
+        });
+        connect(&everySecond_, &QTimer::timeout, this, &GapRecorder::write);
+        connect(qApp, &QCoreApplication::aboutToQuit, this, &GapRecorder::write);
+        last_ = Clock::now();
+        beat_.start(5);
+        everySecond_.start(1000);
+    }
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    void write() {
+        QSaveFile file(path_);
+        if (file.open(QIODevice::WriteOnly)) {
+            const double ms = std::chrono::duration<double, std::milli>(worst_).count();
+            file.write(QByteArray::number(ms, 'f', 1) + '\n');
+            file.commit();
+        }
+    }
+
+    QString path_;
+    QTimer beat_;
+    QTimer everySecond_;
+    Clock::time_point last_;
+    Clock::duration worst_{};
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -102,6 +148,9 @@ int main(int argc, char** argv) {
     }
     if (options.closeWindowAfterMs >= 0) {
         QTimer::singleShot(options.closeWindowAfterMs, &window, [&window] { window.close(); });
+    }
+    if (!options.gapReport.isEmpty()) {
+        new GapRecorder(options.gapReport, &window);
     }
     if (!options.screenshot.isEmpty()) {
         QTimer::singleShot(options.screenshotAfterMs, &window,

@@ -33,8 +33,8 @@ DesktopSession::DesktopSession(DesktopOffers offers)
         hungThread_.start();
         QMetaObject::invokeMethod(watcher_.get(), [this] { hungRelease_.acquire(); });
     }
+    server_ = std::make_unique<FakeNotificationServer>(connection_, offers.serverMode);
     if (offers.notificationServer) {
-        server_ = std::make_unique<FakeNotificationServer>(connection_, offers.serverMode);
         if (!server_->start()) {
             error_ =
                 QStringLiteral("cannot serve notifications: ") + connection_.lastError().message();
@@ -54,8 +54,11 @@ DesktopSession::~DesktopSession() {
 }
 
 std::unique_ptr<AppProcess> DesktopSession::launch(const QString& program,
-                                                   const QStringList& arguments) {
-    return std::make_unique<AppProcess>(program, arguments, display_.name(), bus_.address());
+                                                   const QStringList& arguments,
+                                                   const LaunchOptions& options) {
+    return std::make_unique<AppProcess>(program, arguments, display_.name(),
+                                        options.busAddress.value_or(bus_.address()),
+                                        options.captureErrors);
 }
 
 std::optional<TrayClient> DesktopSession::waitForTray(int timeoutMs) {

@@ -25,6 +25,15 @@ struct DesktopOffers {
     FakeNotificationServer::Mode serverMode = FakeNotificationServer::Mode::Answer;
 };
 
+// How one program is started on the desktop, beyond its arguments.
+struct LaunchOptions {
+    // Keep standard error for AppProcess::errors() instead of passing it to the test log.
+    bool captureErrors = false;
+    // A session bus address to give instead of the session's own (e.g. one where nothing
+    // listens).
+    std::optional<QString> busAddress = std::nullopt;
+};
+
 // A desktop of our own for one test: a virtual display, a private session bus and, as asked,
 // a panel that hosts tray items (or one that has stopped answering) and a notification server, both
 // served by the test process.
@@ -36,7 +45,8 @@ class DesktopSession {
     // Empty when everything started; otherwise what did not.
     const QString& error() const { return error_; }
 
-    std::unique_ptr<AppProcess> launch(const QString& program, const QStringList& arguments = {});
+    std::unique_ptr<AppProcess> launch(const QString& program, const QStringList& arguments = {},
+                                       const LaunchOptions& options = {});
 
     // The application's tray item once it registered with the panel, or nullopt after the
     // timeout.
@@ -44,6 +54,8 @@ class DesktopSession {
     // How many items registered with the panel so far.
     int trayItemCount() const;
 
+    // The notification server, in the offered mode. When none was offered it exists but does
+    // not serve until the test starts it; a test may also stop and start it again.
     FakeNotificationServer* notificationServer() { return server_.get(); }
 
   private:
