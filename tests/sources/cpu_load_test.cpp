@@ -16,45 +16,45 @@ TEST(CpuUsagePercent, SharesOfBusyTime) {
     EXPECT_TRUE(std::isnan(cpuUsagePercent({})));
 }
 
-TEST(ParseCpuTicks, FoldsTenLinuxStatesIntoFour) {
-    // irq, softirq and steal are system time, iowait is idle; guest (40) is already in user.
-    const auto ticks = parseCpuTicks("cpu  300 100 60 1200 300 20 10 10 40 0\ncpu0 1 2 3 4\n");
-    ASSERT_TRUE(ticks);
-    EXPECT_EQ(ticks->user, 300u);
-    EXPECT_EQ(ticks->nice, 100u);
-    EXPECT_EQ(ticks->system, 100u);
-    EXPECT_EQ(ticks->idle, 1500u);
+TEST(ParseCpuTicks, FoldsTheLinuxStatesIntoFourInOldAndFutureLayouts) {
+    const struct {
+        const char* text;
+        std::uint64_t user, nice, system, idle;
+    } cases[] = {
+        // irq, softirq and steal are system time, iowait is idle; guest (40) is already in user.
+        {"cpu  300 100 60 1200 300 20 10 10 40 0\ncpu0 1 2 3 4\n", 300, 100, 100, 1500},
+        {"cpu  1 2 3 4\n", 1, 2, 3, 4},                                     // before 2.5.41
+        {"cpu  1 2 3 4 5 6 7 8 9 10 11 12\n", 1, 2, 3 + 6 + 7 + 8, 4 + 5},  // fields added later
+        {"cpu  9223372036854775807 0 0 9223372036854775807\n", 9223372036854775807u, 0, 0,
+         9223372036854775807u},
+    };
+    for (const auto& c : cases) {
+        const auto ticks = parseCpuTicks(c.text);
+        ASSERT_TRUE(ticks) << c.text;
+        EXPECT_EQ(ticks->user, c.user) << c.text;
+        EXPECT_EQ(ticks->nice, c.nice) << c.text;
+        EXPECT_EQ(ticks->system, c.system) << c.text;
+        EXPECT_EQ(ticks->idle, c.idle) << c.text;
+    }
 }
 
-TEST(ParseCpuTicks, AcceptsOldAndFutureLayouts) {
-    EXPECT_TRUE(parseCpuTicks("cpu  1 2 3 4\n"));                     // before 2.5.41
-    EXPECT_TRUE(parseCpuTicks("cpu  1 2 3 4 5 6 7 8 9 10 11 12\n"));  // fields added later
-    EXPECT_TRUE(parseCpuTicks("cpu  1 2 3 4"));                       // no final newline
-    const auto big = parseCpuTicks("cpu  9223372036854775807 0 0 9223372036854775807\n");
-    ASSERT_TRUE(big);
-    EXPECT_EQ(big->user, 9223372036854775807u);
-}
-
+// Empty, cut, negative, beyond 64 bits and a sum past 64 bits go through a monitor in the
+// fault matrix; these are the first-line shapes it does not write.
 TEST(ParseCpuTicks, RejectsMalformedFirstLines) {
     for (const char* text : {
-             "",
              "\ncpu  1 2 3 4\n",
              "intr 5\ncpu  1 2 3 4\n",
              "cpu0 1 2 3 4\n",
              "CPU  1 2 3 4\n",
              " cpu  1 2 3 4\n",
-             "cpu  1 2 3\n",
              "cpu  1 2 3\n4\n",
              "cpu  1 2 x 4\n",
              "cpu  1 2 3 4.5\n",
-             "cpu  -1 2 3 4\n",
              "cpu  +1 2 3 4\n",
-             "cpu  18446744073709551616 0 0 0\n",
              "cpu  1 2 3 4 5 6 7 99999999999999999999999\n",
-             // each counter fits, their sums do not
+             // each counter fits, the system or idle sum does not
              "cpu  0 0 18446744073709551615 0 0 1 0 0\n",
              "cpu  0 0 0 18446744073709551615 1\n",
-             "cpu  18446744073709551615 0 0 1\n",
          }) {
         EXPECT_EQ(parseCpuTicks(text), std::nullopt) << text;
     }

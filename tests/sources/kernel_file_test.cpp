@@ -55,18 +55,6 @@ TEST(KernelFile, SizeCapRejectsLargerFiles) {
     EXPECT_FALSE(huge.isOpen());
 }
 
-TEST(KernelFile, RemovedFileFailsThenReappears) {
-    TempTree tree;
-    tree.write("f", "1\n");
-    KernelFile file(pathIn(tree, "f"));
-    ASSERT_TRUE(file.read());
-    tree.remove("f");
-    EXPECT_EQ(file.read(), std::nullopt);
-    EXPECT_TRUE(testing::openDescriptorsUnder(tree.root()).empty());
-    tree.write("f", "2\n");
-    EXPECT_EQ(file.read(), "2\n");
-}
-
 TEST(KernelFile, ReadParsedReopensOnceOnlyForAKeptDescriptor) {
     TempTree tree;
     tree.write("f", "v\n");

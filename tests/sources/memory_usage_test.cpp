@@ -21,44 +21,41 @@ std::string meminfo(const std::string& lines) {
            "HugePages_Total:       0\nHugepagesize:       2048 kB\n";
 }
 
-TEST(ParseMeminfo, ConvertsKibibytesToPagesOfTheGivenSize) {
-    const std::string text = meminfo(
+TEST(ParseMeminfo, CountsActiveAndTheWiredKeysInPagesOfTheGivenSize) {
+    const std::string full = meminfo(
         "Active:          4000000 kB\nActive(anon):    9999999 kB\nUnevictable:        1024 kB\n"
         "SUnreclaim:      2000000 kB\nKernelStack:       18432 kB\nPageTables:       980544 kB\n"
         "SecPageTables:   7777777 kB\n");
-    const auto small = parseMeminfo(text, 4096);
-    ASSERT_TRUE(small);
-    EXPECT_EQ(small->physicalBytes, k16GiB);
-    EXPECT_EQ(small->pageSize, 4096u);
-    EXPECT_EQ(small->activePages, 1000000u);
-    EXPECT_EQ(small->wiredPages, 750000u);
-
-    const auto large = parseMeminfo(text, 16384);
-    ASSERT_TRUE(large);
-    EXPECT_EQ(large->activePages, 250000u);
-    EXPECT_EQ(large->wiredPages, 187500u);
+    const struct {
+        std::string text;
+        std::uint64_t pageSize, activePages, wiredPages;
+    } cases[] = {
+        {full, 4096, 1000000, 750000},
+        {full, 16384, 250000, 187500},
+        // Wired keys an old kernel lacks add nothing; keys not counted may hold anything.
+        {meminfo("Active:  8 kB\nPageTables:  16 kB\n"), 4096, 2, 4},
+        {meminfo("Active:  8 kB\nInactive:  x\nBroken line\n"), 4096, 2, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        const auto sample = parseMeminfo(c.text, c.pageSize);
+        ASSERT_TRUE(sample);
+        EXPECT_EQ(sample->physicalBytes, k16GiB);
+        EXPECT_EQ(sample->pageSize, c.pageSize);
+        EXPECT_EQ(sample->activePages, c.activePages);
+        EXPECT_EQ(sample->wiredPages, c.wiredPages);
+    }
 }
 
-TEST(ParseMeminfo, WiredKeysAnOldKernelLacksAddNothing) {
-    const auto sample = parseMeminfo(meminfo("Active:  8 kB\nPageTables:  16 kB\n"), 4096);
-    ASSERT_TRUE(sample);
-    EXPECT_EQ(sample->activePages, 2u);
-    EXPECT_EQ(sample->wiredPages, 4u);
-}
-
+// Empty, cut, negative and beyond-64-bit files go through a monitor in the fault matrix;
+// these are the line shapes it does not write.
 TEST(ParseMeminfo, FailsWithoutTotalActiveOrReadableCountedValues) {
     for (const std::string& text : {
-             std::string(),
              std::string("Active:  8 kB\n"),
-             meminfo(""),
              meminfo("Active(anon):  8 kB\n"),
-             meminfo("Active:\n"),
              meminfo("Active:  x kB\n"),
-             meminfo("Active:  8\n"),
              meminfo("Active:  8 MB\n"),
-             meminfo("Active:  -8 kB\n"),
              meminfo("Active:  8 kB 9\n"),
-             meminfo("Active:  99999999999999999999 kB\n"),
              meminfo("Active:  18014398509481984 kB\n"),  // 2^54 kB: 2^64 bytes
              meminfo("Active:  8 kB\nKernelStack:  garbage\n"),
              meminfo("Active:  8 kB\nUnevictable:  9223372036854775807 kB\n"
@@ -67,10 +64,6 @@ TEST(ParseMeminfo, FailsWithoutTotalActiveOrReadableCountedValues) {
         EXPECT_EQ(parseMeminfo(text, 4096), std::nullopt) << text;
     }
     EXPECT_EQ(parseMeminfo(meminfo("Active:  8 kB\n"), 0), std::nullopt);
-}
-
-TEST(ParseMeminfo, IgnoresKeysItDoesNotCount) {
-    EXPECT_TRUE(parseMeminfo(meminfo("Active:  8 kB\nInactive:  x\nBroken line\n"), 4096));
 }
 
 TEST(MemoryReader, ReadsMachinesOfEveryShape) {

@@ -49,22 +49,9 @@ std::vector<ProcReader> procReaders() {
 }
 
 // What each reader gives for a file it cannot use: 0 bytes for the network, none otherwise.
+// Missing, empty and directory files each go through a monitor in the fault matrix.
 std::string neutral(const ProcReader& r) {
     return r.file == std::string("proc/net/dev") ? "0/0" : "none";
-}
-
-TEST(ProcReaders, UnusableFilesGiveTheNeutralResult) {
-    for (const ProcReader& r : procReaders()) {
-        TempTree tree;
-        const auto read = r.make(tree.root());
-        EXPECT_EQ(read(), neutral(r)) << r.file << " missing";
-        tree.write(r.file, "");
-        EXPECT_EQ(read(), neutral(r)) << r.file << " empty";
-        tree.remove(r.file);
-        tree.makeDirectory(r.file);
-        EXPECT_EQ(read(), neutral(r)) << r.file << " directory";
-        EXPECT_TRUE(testing::openDescriptorsUnder(tree.root()).empty()) << r.file;
-    }
 }
 
 TEST(ProcReaders, FollowChangesVanishingAndReappearing) {
