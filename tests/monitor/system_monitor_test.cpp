@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <cmath>
 #include <memory>
 #include <vector>
 
@@ -45,52 +44,22 @@ class MonitorTest : public ::testing::Test {
     std::vector<Snapshot> announcements;
 };
 
-TEST_F(MonitorTest, ANewMonitorHoldsItsInitialValuesAndDoesNothing) {
-    auto monitor = makeMonitor();
-    EXPECT_EQ(monitor->cpuUsage(), 0.0);
-    EXPECT_EQ(monitor->ramUsage(), 0.0);
-    EXPECT_EQ(monitor->diskUsage(), 0.0);
-    EXPECT_EQ(monitor->batteryLevel(), 0);
-    EXPECT_EQ(monitor->batteryState(), "Unknown");
-    EXPECT_EQ(monitor->downloadSpeed(), 0.0);
-    EXPECT_EQ(monitor->uploadSpeed(), 0.0);
-    EXPECT_TRUE(monitor->cpuHistory().empty());
-    EXPECT_TRUE(announcements.empty());
-    EXPECT_EQ(machine.timerCount(), 0u);
-    EXPECT_TRUE(machine.posted().empty());
-}
-
-TEST_F(MonitorTest, StartingRunsOneTickAtOnceThenOneTimer) {
-    machine.setCpuTicks(300, 100, 100, 1500);
-    machine.setMemoryKb(16 * 1024 * 1024, 4 * 1024 * 1024, 2 * 1024 * 1024);
-    machine.setVolume(500000000000.0, 125000000000.0);
+// Initial values, the values of a tick and the eight announcements of every tick, changed or
+// not, are proved by the dashboard tests and the fault matrix; here is what only a monitor shows.
+TEST_F(MonitorTest, EachStartRunsOneTickAtOnceAndAddsATimerThatKeepsTicking) {
     auto monitor = makeMonitor();
     monitor->startMonitoring();
-
-    EXPECT_EQ(monitor->cpuUsage(), 25.0);
-    EXPECT_EQ(monitor->ramUsage(), 37.5);
-    EXPECT_EQ(monitor->diskUsage(), 75.0);
-    EXPECT_EQ(monitor->cpuHistory(), std::vector<double>{25.0});
+    EXPECT_EQ(monitor->cpuHistory().size(), 1u);
     EXPECT_EQ(machine.timerCount(), 1u);
     // CPU, RAM, disk and the history append; no battery here, and no network base yet.
     EXPECT_EQ(announcements.size(), 4u);
-}
 
-TEST_F(MonitorTest, EveryWriteIsAnnouncedBeforeItIsStoredEvenWhenUnchanged) {
-    machine.setBattery(80, 100, true);
-    machine.setNetTotals(1000, 1000);
-    auto monitor = makeMonitor();
     monitor->startMonitoring();
-    announcements.clear();
-    machine.fireTimer();  // same numbers again: nothing changes, everything is announced
-
-    // cpu, ram, disk, level, state, download, upload, history.
-    ASSERT_EQ(announcements.size(), 8u);
-    // Each announcement sees the state before its own write: the level is written first,
-    // so the announcement of the state already sees the new level.
-    EXPECT_EQ(announcements[3].historySize, 1u);
-    EXPECT_EQ(monitor->batteryLevel(), 80);
-    EXPECT_EQ(monitor->batteryState(), "Charging");
+    ASSERT_EQ(machine.timerCount(), 2u);
+    EXPECT_EQ(monitor->cpuHistory().size(), 2u);
+    machine.fireTimer(0);
+    machine.fireTimer(1);
+    EXPECT_EQ(monitor->cpuHistory().size(), 4u);
 }
 
 TEST_F(MonitorTest, BatteryLevelIsAnnouncedAndWrittenBeforeBatteryState) {
@@ -106,65 +75,24 @@ TEST_F(MonitorTest, BatteryLevelIsAnnouncedAndWrittenBeforeBatteryState) {
     EXPECT_EQ(monitor->batteryState(), "On Battery");
 }
 
-TEST_F(MonitorTest, HistoryKeepsTheLastThirtyValues) {
+// The 31st value is appended before the oldest is dropped: two writes, each announced.
+TEST_F(MonitorTest, HistoryDropsTheOldestOfThirtyAfterTheAppend) {
     auto monitor = makeMonitor();
-    machine.setCpuPerMille(10);
     monitor->startMonitoring();
-    for (std::uint64_t tick = 2; tick <= 30; ++tick) {
-        machine.setCpuPerMille(tick * 10);
+    for (int tick = 2; tick <= 30; ++tick) {
         machine.fireTimer();
     }
     ASSERT_EQ(monitor->cpuHistory().size(), 30u);
-    EXPECT_EQ(monitor->cpuHistory().front(), monitor->cpuHistory().front());
-    EXPECT_NEAR(monitor->cpuHistory().front(), 1.0, 1e-9);
-
-    const double secondTick = monitor->cpuHistory()[1];
     announcements.clear();
-    machine.setCpuPerMille(310);
     machine.fireTimer();
-    ASSERT_EQ(monitor->cpuHistory().size(), 30u);
-    EXPECT_EQ(monitor->cpuHistory().front(), secondTick);
-    EXPECT_EQ(monitor->cpuHistory().back(), monitor->cpuUsage());
-    // The append and the removal are two writes: cpu, ram, disk, append, remove.
-    EXPECT_EQ(announcements.size(), 5u);
+    EXPECT_EQ(monitor->cpuHistory().size(), 30u);
+    // cpu, ram, disk, append, remove.
+    ASSERT_EQ(announcements.size(), 5u);
     EXPECT_EQ(announcements[3].historySize, 30u);
     EXPECT_EQ(announcements[4].historySize, 31u);
 }
 
-TEST_F(MonitorTest, StartingTwiceAddsASecondTimerAndBothKeepTicking) {
-    auto monitor = makeMonitor();
-    monitor->startMonitoring();
-    monitor->startMonitoring();
-    ASSERT_EQ(machine.timerCount(), 2u);
-    EXPECT_EQ(monitor->cpuHistory().size(), 2u);
-    machine.fireTimer(0);
-    machine.fireTimer(1);
-    EXPECT_EQ(monitor->cpuHistory().size(), 4u);
-}
-
-TEST_F(MonitorTest, RatesComeFromTheGrowthOverTwoSeconds) {
-    machine.setNetTotals(1000, 2000);
-    auto monitor = makeMonitor();
-    monitor->startMonitoring();
-    EXPECT_EQ(monitor->downloadSpeed(), 0.0);  // the first tick only stores the totals
-
-    machine.setNetTotals(1000 + 6291456, 2000 + 1048576);
-    machine.fireTimer();
-    EXPECT_EQ(monitor->downloadSpeed(), 3.0);
-    EXPECT_EQ(monitor->uploadSpeed(), 0.5);
-
-    // An interface went away: the totals went down, and the call publishes 0.0 ...
-    machine.setNetTotals(500, 600);
-    machine.fireTimer();
-    EXPECT_EQ(monitor->downloadSpeed(), 0.0);
-    EXPECT_EQ(monitor->uploadSpeed(), 0.0);
-    // ... and the next call measures from the new base.
-    machine.setNetTotals(500 + 2097152, 600);
-    machine.fireTimer();
-    EXPECT_EQ(monitor->downloadSpeed(), 1.0);
-    EXPECT_EQ(monitor->uploadSpeed(), 0.0);
-}
-
+// The fault matrix loses both totals at once; one at zero is already no base.
 TEST_F(MonitorTest, RatesStayWhileEitherStoredTotalIsZero) {
     machine.setNetTotals(1000, 2000);
     auto monitor = makeMonitor();
@@ -180,14 +108,6 @@ TEST_F(MonitorTest, RatesStayWhileEitherStoredTotalIsZero) {
     machine.fireTimer();
     EXPECT_EQ(monitor->downloadSpeed(), 0.0);  // written by the call that saw the drop
     EXPECT_EQ(announcements.size(), 4u);       // no rate written without a base
-}
-
-TEST_F(MonitorTest, AZeroCpuTotalIsNotANumber) {
-    machine.setCpuTicks(0, 0, 0, 0);
-    auto monitor = makeMonitor();
-    monitor->startMonitoring();
-    EXPECT_TRUE(std::isnan(monitor->cpuUsage()));
-    EXPECT_TRUE(std::isnan(monitor->cpuHistory().back()));
 }
 
 // With the production timer, the application object owns the timer and the timer's action
