@@ -8,7 +8,6 @@
 #include <QLabel>
 #include <QLineSeries>
 #include <QSignalSpy>
-#include <QValueAxis>
 #include <memory>
 
 #include "locale_guard.h"
@@ -92,7 +91,6 @@ TEST_F(ContentViewTest, ANaNUsageShowsAsNanAndLeavesTheChartEmpty) {
     EXPECT_EQ(values()[0], "nan %");
     EXPECT_EQ(monitor->cpuHistory().size(), 1u);
     EXPECT_TRUE(chart().series().points().isEmpty());
-    EXPECT_FALSE(view.grab().isNull());
 }
 
 TEST_F(ContentViewTest, ATickIsOneRefreshAfterControlReturnsToTheEventLoop) {
@@ -201,16 +199,13 @@ TEST_F(ContentViewTest, ChartHoldsTheLastThirtyTicks) {
             EXPECT_NEAR(points[i].y(), firstValue + i, 1e-9);
         }
     };
+    // The axes follow the points; the chart tests prove how.
     expectPoints(1.0);
-    // The value axis is automatic, not 0 to 100 (the loads are 30 give or take a rounding).
-    EXPECT_GE(chart().yAxis().max(), monitor->cpuHistory().back());
-    EXPECT_LE(chart().yAxis().max(), 40.0);
 
     machine.setCpuPerMille(310);
     machine.fireTimer();
     settle();
     expectPoints(2.0);
-    EXPECT_EQ(chart().xAxis().max(), 29.0);
 
     view.resize(560, 720);
     settle();
