@@ -130,9 +130,14 @@ void ContentView::markStale() {
     scheduleRefresh();
 }
 
+// A minimised window stays "visible" to Qt, but nobody sees it: it is not redrawn either.
+bool ContentView::isOnScreen() const {
+    return isVisible() && !window()->isMinimized();
+}
+
 void ContentView::scheduleRefresh() {
-    if (refreshScheduled_ || !isVisible()) {
-        return;  // a hidden dashboard catches up when it is shown again
+    if (refreshScheduled_ || !isOnScreen()) {
+        return;  // a hidden or minimised dashboard catches up when it is shown again
     }
     refreshScheduled_ = true;
     QMetaObject::invokeMethod(this, &ContentView::runScheduledRefresh, Qt::QueuedConnection);
@@ -140,7 +145,7 @@ void ContentView::scheduleRefresh() {
 
 void ContentView::runScheduledRefresh() {
     refreshScheduled_ = false;
-    if (stale_ && isVisible()) {
+    if (stale_ && isOnScreen()) {
         refresh();
     }
 }
@@ -153,6 +158,13 @@ void ContentView::showEvent(QShowEvent* event) {
     }
     if (stale_) {
         scheduleRefresh();
+    }
+}
+
+void ContentView::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange && stale_) {
+        scheduleRefresh();  // restored from the task bar
     }
 }
 

@@ -37,8 +37,10 @@ class ContentView : public QWidget {
 
   protected:
     void showEvent(QShowEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
   private:
+    bool isOnScreen() const;
     void markStale();
     void scheduleRefresh();
     void runScheduledRefresh();

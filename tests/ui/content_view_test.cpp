@@ -140,6 +140,19 @@ TEST_F(ContentViewTest, StartsOnEachAppearanceAndCatchesUpOnceWhenShownAgain) {
     EXPECT_EQ(refreshes.count(), 1);
     EXPECT_EQ(values()[0], "50.00 %");
     EXPECT_EQ(chart().series().count(), 4);
+
+    // Minimised, the window is still "visible" to Qt but is not redrawn until restored.
+    view.setWindowState(Qt::WindowMinimized);
+    settle();
+    refreshes.clear();
+    machine.setCpuPerMille(600);
+    machine.fireTimer();
+    settle();
+    EXPECT_EQ(refreshes.count(), 0);
+    view.setWindowState(Qt::WindowNoState);
+    settle();
+    EXPECT_EQ(refreshes.count(), 1);
+    EXPECT_EQ(values()[0], "60.00 %");
 }
 
 TEST_F(ContentViewTest, GrowsWithTheWindowKeepingValuesRightAndExtraHeightBelow) {
