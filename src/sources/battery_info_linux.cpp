@@ -29,7 +29,7 @@ std::optional<std::int64_t> readInteger(KernelFile& file) {
 }
 
 bool exists(const KernelFile& file) {
-    return !file.path().empty() && ::access(file.path().c_str(), F_OK) == 0;
+    return ::access(file.path().c_str(), F_OK) == 0;
 }
 
 // Entry names in byte order, without "." and "..". A missing folder has none.
@@ -92,10 +92,9 @@ PowerSourceReader::Battery PowerSourceReader::batteryFiles(const std::string& su
 
 // Every supply's `type`; a Battery counts unless its `scope` is "Device" (a mouse or a game
 // pad reports its own battery here). The first battery by name is the power source. Its
-// capacity pair is chosen by what reads now: energy_*, else charge_*, else capacity. When
-// none reads, the first pair the battery has is kept: the scan after a failed read sees a
-// value that is unreadable for a moment, and must not settle on a pair the battery lacks
-// until the next periodic scan.
+// capacity pair is the first one the battery has: energy_*, else charge_*, else capacity.
+// What the files hold does not choose: a value unreadable for a moment must fail that one
+// read (the fields keep their values), not switch the level to another source.
 void PowerSourceReader::rescan() {
     scanned_ = true;
     readsSinceScan_ = 0;
@@ -108,21 +107,15 @@ void PowerSourceReader::rescan() {
         if (type == "Mains" || type == "USB") {
             chargerOnline_.push_back(attribute(supply, "online"));
         } else if (type == "Battery" && !battery_ && readText(supply, "scope") != "Device") {
-            std::optional<Capacity> offered;
-            for (const Capacity capacity :
-                 {Capacity::Energy, Capacity::Charge, Capacity::Percent}) {
+            for (const Capacity capacity : {Capacity::Energy, Capacity::Charge}) {
                 Battery candidate = batteryFiles(supply, capacity);
-                if (readInteger(candidate.now) &&
-                    (capacity == Capacity::Percent || readInteger(candidate.full))) {
+                if (exists(candidate.now) && exists(candidate.full)) {
                     battery_.emplace(std::move(candidate));
                     break;
                 }
-                if (!offered && (exists(candidate.now) || exists(candidate.full))) {
-                    offered = capacity;
-                }
             }
             if (!battery_) {
-                battery_.emplace(batteryFiles(supply, offered.value_or(Capacity::Percent)));
+                battery_.emplace(batteryFiles(supply, Capacity::Percent));
             }
         }
     }
