@@ -15,7 +15,7 @@ const QString kInterface = QStringLiteral("org.freedesktop.Notifications");
 }  // namespace
 
 QDBusMessage notifyMessage(const NotificationRequest& request, bool withSound) {
-    QVariantMap hints;
+    QVariantMap hints{{QStringLiteral("desktop-entry"), QString::fromLatin1(kDesktopEntry)}};
     if (withSound && request.defaultSound) {
         hints.insert(QStringLiteral("sound-name"), QString::fromLatin1(kDefaultSound));
     } else {
@@ -23,8 +23,8 @@ QDBusMessage notifyMessage(const NotificationRequest& request, bool withSound) {
     }
     QDBusMessage message =
         QDBusMessage::createMethodCall(kService, kPath, kInterface, QStringLiteral("Notify"));
-    message << QString::fromLatin1(kAppName) << uint{0} << QString() << request.title
-            << request.body << QStringList() << hints << int{-1};
+    message << QString::fromLatin1(kAppName) << uint{0} << QString::fromLatin1(kAppIcon)
+            << request.title << request.body << QStringList() << hints << int{-1};
     return message;
 }
 
