@@ -1,5 +1,6 @@
 #include "ui/content_view.h"
 
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QShowEvent>
@@ -7,6 +8,7 @@
 
 #include "ui/color.h"
 #include "ui/cpu_history_chart.h"
+#include "ui/dashboard_accessibility.h"
 #include "ui/metric_format.h"
 
 namespace corvane::ui {
@@ -43,14 +45,16 @@ ContentView::ContentView(QWidget* parent)
 ContentView::ContentView(std::shared_ptr<monitor::SystemMonitor> monitor, QWidget* parent)
     : QWidget(parent),
       monitor_(std::move(monitor)),
-      title_(new QLabel(tr("System Monitor"), this)),
-      caption_(new QLabel(tr("CPU Usage History (last 1 min)"), this)),
-      chart_(new CpuHistoryChart(this)) {
+      title_(new QLabel(tr("System Monitor"), this)) {
+    installDashboardAccessibility();
     setMinimumSize(kMinimumSide, kMinimumSide);
     QPalette black = palette();
     black.setColor(QPalette::Window, Qt::black);
     setPalette(black);
     setAutoFillBackground(true);
+    // The window has no title of its own: it goes by the application's name.
+    setAccessibleName(QGuiApplication::applicationDisplayName());
+    setAccessibleDescription(tr("System monitor dashboard"));
 
     auto* stack = new QVBoxLayout(this);
     stack->setContentsMargins(kInset, kInset, kInset, kInset);
@@ -69,6 +73,7 @@ ContentView::ContentView(std::shared_ptr<monitor::SystemMonitor> monitor, QWidge
         labels_[row]->setObjectName(QStringLiteral("label%1").arg(row));
         values_[row]->setObjectName(QStringLiteral("value%1").arg(row));
         values_[row]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        labels_[row]->setBuddy(values_[row]);  // "CPU Usage: 7.44 %" is read as one
         for (QLabel* text : {labels_[row], values_[row]}) {
             text->setFont(rowFont);
         }
@@ -81,21 +86,28 @@ ContentView::ContentView(std::shared_ptr<monitor::SystemMonitor> monitor, QWidge
         stack->addLayout(line);
     }
 
+    // Created after the rows: screen readers list the children in the order they were made.
+    caption_ = new QLabel(tr("CPU Usage History (last 1 min)"), this);
+    chart_ = new CpuHistoryChart(this);
     caption_->setObjectName("caption");
     caption_->setFont(pixelFont(font(), kCaptionPixels));
     setTextColor(caption_, Qt::white);
     stack->addWidget(caption_, 0, Qt::AlignHCenter);
 
     chart_->setObjectName("cpuHistory");
+    chart_->setAccessibleName(caption_->text());
     stack->addWidget(chart_);
     stack->addStretch(1);  // every extra height collects below the chart
 
     connect(monitor_.get(), &monitor::SystemMonitor::objectWillChange, this,
             &ContentView::markStale);
+    QAccessible::installActivationObserver(this);
     refresh();
 }
 
-ContentView::~ContentView() = default;
+ContentView::~ContentView() {
+    QAccessible::removeActivationObserver(this);
+}
 
 void ContentView::refresh() {
     applyAccent();
@@ -109,8 +121,23 @@ void ContentView::refresh() {
         values_[row]->setText(QString::fromStdString(texts[row]));
     }
     chart_->setHistory(m.cpuHistory());
+    if (QAccessible::isActive()) {
+        describeChart();
+    }
     stale_ = false;
     emit refreshed();
+}
+
+// Setting the description announces the change to whoever listens.
+void ContentView::describeChart() {
+    chart_->setAccessibleDescription(
+        QString::fromStdString(describeHistory(monitor_->cpuHistory())));
+}
+
+void ContentView::accessibilityActiveChanged(bool active) {
+    if (active) {
+        describeChart();  // it was not kept while nobody listened
+    }
 }
 
 // The accent is parsed anew on every refresh, once for the title and once for the rows.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAccessible>
 #include <QWidget>
 #include <array>
 #include <memory>
@@ -14,7 +15,11 @@ class CpuHistoryChart;
 
 // The dashboard: title, six metric rows and the CPU history chart, redrawn once per tick
 // from the monitor's published fields. Starts the monitor each time it is shown.
-class ContentView : public QWidget {
+//
+// For screen readers the window is named after the application, each value is labelled by its
+// row's label, and the chart describes the values its line draws. That description is only
+// kept up to date while assistive technology is listening.
+class ContentView : public QWidget, private QAccessible::ActivationObserver {
     Q_OBJECT
   public:
     static constexpr int kMinimumSide = 500;
@@ -40,6 +45,8 @@ class ContentView : public QWidget {
     void changeEvent(QEvent* event) override;
 
   private:
+    void accessibilityActiveChanged(bool active) override;
+    void describeChart();
     bool isOnScreen() const;
     void markStale();
     void scheduleRefresh();
@@ -50,8 +57,8 @@ class ContentView : public QWidget {
     QLabel* title_;
     std::array<QLabel*, 6> labels_{};
     std::array<QLabel*, 6> values_{};
-    QLabel* caption_;
-    CpuHistoryChart* chart_;
+    QLabel* caption_ = nullptr;
+    CpuHistoryChart* chart_ = nullptr;
     bool stale_ = false;
     bool refreshScheduled_ = false;
 };

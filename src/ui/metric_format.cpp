@@ -1,5 +1,6 @@
 #include "ui/metric_format.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -41,6 +42,28 @@ std::string formatBattery(std::int64_t level, std::string_view state) {
     text += state;
     text += ')';
     return text;
+}
+
+std::string describeHistory(std::span<const double> history) {
+    std::size_t count = 0;
+    double lowest = 0.0;
+    double highest = 0.0;
+    double latest = 0.0;
+    for (const double value : history) {
+        if (!std::isfinite(value)) {
+            continue;
+        }
+        lowest = count == 0 ? value : std::min(lowest, value);
+        highest = count == 0 ? value : std::max(highest, value);
+        latest = value;
+        ++count;
+    }
+    if (count == 0) {
+        return "no values yet";
+    }
+    return std::to_string(count) + (count == 1 ? " value, lowest " : " values, lowest ") +
+           formatPercent(lowest) + ", highest " + formatPercent(highest) + ", latest " +
+           formatPercent(latest);
 }
 
 }  // namespace corvane::ui

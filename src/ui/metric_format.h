@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -18,5 +19,10 @@ std::string formatRate(double megabytesPerSecond);
 
 // Level and state without a blank before the percent sign: "85% (Charging)".
 std::string formatBattery(std::int64_t level, std::string_view state);
+
+// What a screen reader says of the CPU history chart, from the values its line draws (values
+// that are not finite have no point on the line and are left out here too):
+// "30 values, lowest 3.10 %, highest 9.80 %, latest 7.44 %", or "no values yet".
+std::string describeHistory(std::span<const double> history);
 
 }  // namespace corvane::ui
