@@ -40,9 +40,10 @@ void AppDelegate::applicationDidFinishLaunching() {
         facilities_.printLine("Notification denied");
     }
     buildMenu();
-    // Whether there is a tray is asked of the bus; the answer comes back here later, so that a
-    // stuck panel cannot hold up the application.
-    facilities_.probeSystemTray(this, [this](bool available) { createStatusItem(available); });
+    // Until there is a tray, the window is the application: closing it quits. The desktop is
+    // watched for a tray all run long, since a panel may well start after the application.
+    QApplication::setQuitOnLastWindowClosed(true);
+    facilities_.watchSystemTray(this, [this] { createStatusItem(); });
 }
 
 void AppDelegate::buildMenu() {
@@ -56,13 +57,13 @@ void AppDelegate::buildMenu() {
     connect(quit, &QAction::triggered, qApp, &QCoreApplication::quit);
 }
 
-void AppDelegate::createStatusItem(bool trayAvailable) {
-    // With a tray the application lives on in it after its window is closed; without one,
-    // closing the window is the only way to end it.
-    QApplication::setQuitOnLastWindowClosed(!trayAvailable);
-    if (!trayAvailable) {
+// One item for the whole run: Qt registers it again with a panel that restarts.
+void AppDelegate::createStatusItem() {
+    if (statusItem_) {
         return;
     }
+    // From now on the application lives on in the tray after its window is closed.
+    QApplication::setQuitOnLastWindowClosed(false);
     statusItem_ = std::make_unique<QSystemTrayIcon>();
     statusItem_->setToolTip(QString::fromUtf8(kStatusTitle));
     statusItem_->setIcon(trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour));

@@ -22,8 +22,8 @@ class AppDelegate : public QObject, public platform::NotificationCentreDelegate 
     explicit AppDelegate(ShellFacilities facilities, QObject* parent = nullptr);
     ~AppDelegate() override;
 
-    // Null until the launch hook has learnt that the desktop has a tray; then the one tray
-    // item for the rest of the run. Stays null on a desktop without a tray.
+    // Null until the desktop has a tray (the launch hook starts watching for one); then the one
+    // tray item for the rest of the run.
     QSystemTrayIcon* statusItem() const { return statusItem_.get(); }
     // The item's menu, built by the launch hook whether or not there is a tray.
     QMenu* statusMenu() const { return menu_.get(); }
@@ -42,7 +42,7 @@ class AppDelegate : public QObject, public platform::NotificationCentreDelegate 
 
   private:
     void buildMenu();
-    void createStatusItem(bool trayAvailable);
+    void createStatusItem();
 
     ShellFacilities facilities_;
     QPointer<platform::NotificationCentre> centre_;

@@ -3,17 +3,19 @@
 #include <QDBusConnection>
 
 #include "app/standard_output.h"
-#include "app/tray_probe.h"
+#include "platform/tray_watcher.h"
 
 namespace corvane::app {
 
 ShellFacilities desktopShellFacilities() {
     ShellFacilities facilities;
     facilities.notificationCentre = &platform::NotificationCentre::current;
-    facilities.probeSystemTray = [](QObject* context, std::function<void(bool)> done) {
+    facilities.watchSystemTray = [](QObject* context, std::function<void()> appeared) {
         // A panel answers in milliseconds; two seconds is a watcher that is stuck.
-        probeSystemTray(QDBusConnection::sessionBus(), std::chrono::milliseconds(2000), context,
-                        std::move(done));
+        auto* watcher = new platform::TrayWatcher(QDBusConnection::sessionBus(),
+                                                  std::chrono::milliseconds(2000), context);
+        QObject::connect(watcher, &platform::TrayWatcher::trayAvailable, context,
+                         std::move(appeared));
     };
     facilities.printLine = &printLineToStandardOutput;
     return facilities;

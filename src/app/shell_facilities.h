@@ -12,9 +12,10 @@ namespace corvane::app {
 struct ShellFacilities {
     // The notification service the delegate registers with and asks for permission.
     std::function<platform::NotificationCentre*()> notificationCentre;
-    // Answers, now or later on the thread of `context`, whether the desktop shows tray items
-    // (a StatusNotifier host or an XEmbed tray). Must not wait on the bus.
-    std::function<void(QObject* context, std::function<void(bool)> done)> probeSystemTray;
+    // Calls `appeared` on the thread of `context`, for as long as `context` lives, each time the
+    // desktop gains a tray that shows items (a StatusNotifier host or an X11 tray). Must not
+    // wait on the bus.
+    std::function<void(QObject* context, std::function<void()> appeared)> watchSystemTray;
     // Where the one permission line goes; may be called from any thread.
     std::function<void(std::string_view)> printLine;
 };

@@ -1,0 +1,75 @@
+#include "platform/tray_watcher.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QDBusVariant>
+
+#include "platform/x11_tray_selection.h"
+
+namespace corvane::platform {
+
+namespace {
+
+const QString kWatcher = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
+
+}  // namespace
+
+TrayWatcher::TrayWatcher(QDBusConnection bus, std::chrono::milliseconds timeout, QObject* parent)
+    : QObject(parent), bus_(std::move(bus)), timeout_(timeout), x11_(new X11TraySelection(this)) {
+    connect(x11_, &X11TraySelection::appeared, this, &TrayWatcher::settle);
+    if (bus_.isConnected()) {
+        auto* names =
+            new QDBusServiceWatcher(kWatcher, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
+        connect(names, &QDBusServiceWatcher::serviceOwnerChanged, this, &TrayWatcher::askForHost);
+        // A panel takes the watcher's name a moment before its host registers: ask again then.
+        // No sender is named, so that subscribing needs no name lookup on the bus.
+        bus_.connect(QString(), kWatcherPath, kWatcher,
+                     QStringLiteral("StatusNotifierHostRegistered"), this, SLOT(askForHost()));
+    }
+    // The first answer comes from the event loop, as every later one does.
+    QMetaObject::invokeMethod(this, &TrayWatcher::askForHost, Qt::QueuedConnection);
+}
+
+void TrayWatcher::askForHost() {
+    const quint64 question = ++question_;
+    if (!bus_.isConnected()) {
+        host_ = Host::Absent;
+        settle();
+        return;
+    }
+    QDBusMessage get = QDBusMessage::createMethodCall(
+        kWatcher, kWatcherPath, QStringLiteral("org.freedesktop.DBus.Properties"),
+        QStringLiteral("Get"));
+    get << kWatcher << QStringLiteral("IsStatusNotifierHostRegistered");
+    auto* call =
+        new QDBusPendingCallWatcher(bus_.asyncCall(get, static_cast<int>(timeout_.count())), this);
+    // A call that failed on the spot is already finished; the watcher still signals it.
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, question, call] {
+        call->deleteLater();
+        if (question != question_) {
+            return;
+        }
+        const QDBusPendingReply<QDBusVariant> reply = *call;
+        const QDBusError::ErrorType error =
+            reply.isError() ? reply.error().type() : QDBusError::NoError;
+        if (error == QDBusError::NoError) {
+            host_ = reply.value().variant().toBool() ? Host::Present : Host::Absent;
+        } else {
+            // Nobody owns the name: no watcher. Anything else (no reply in time, a broken
+            // watcher) would hang Qt's own blocking check.
+            host_ = error == QDBusError::ServiceUnknown ? Host::Absent : Host::Stuck;
+        }
+        settle();
+    });
+}
+
+void TrayWatcher::settle() {
+    if (host_ == Host::Present || (host_ == Host::Absent && x11_->isOwned())) {
+        emit trayAvailable();
+    }
+}
+
+}  // namespace corvane::platform

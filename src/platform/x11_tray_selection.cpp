@@ -1,0 +1,71 @@
+#include "platform/x11_tray_selection.h"
+
+#include <xcb/xcb.h>
+
+#include <QGuiApplication>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+namespace corvane::platform {
+
+namespace {
+
+xcb_connection_t* x11Connection() {
+    const auto* x11 =
+        qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    return x11 ? x11->connection() : nullptr;
+}
+
+std::uint32_t internAtom(xcb_connection_t* connection, const char* name) {
+    const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
+        xcb_intern_atom_reply(
+            connection,
+            xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name),
+            nullptr),
+        &std::free);
+    return reply ? reply->atom : std::uint32_t{XCB_ATOM_NONE};
+}
+
+}  // namespace
+
+// The desktops of today run one X screen (several monitors are outputs of screen 0), so the
+// tray of interest is the one of screen 0.
+X11TraySelection::X11TraySelection(QObject* parent) : QObject(parent) {
+    xcb_connection_t* connection = x11Connection();
+    if (connection == nullptr) {
+        return;
+    }
+    trayAtom_ = internAtom(connection, "_NET_SYSTEM_TRAY_S0");
+    managerAtom_ = internAtom(connection, "MANAGER");
+    const std::unique_ptr<xcb_get_selection_owner_reply_t, decltype(&std::free)> owner(
+        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, trayAtom_),
+                                      nullptr),
+        &std::free);
+    owned_ = owner && owner->owner != XCB_WINDOW_NONE;
+    // Qt listens on the root window for structure events, where MANAGER messages arrive.
+    QCoreApplication::instance()->installNativeEventFilter(this);
+}
+
+X11TraySelection::~X11TraySelection() {
+    if (auto* application = QCoreApplication::instance()) {
+        application->removeNativeEventFilter(this);
+    }
+}
+
+bool X11TraySelection::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
+    if (eventType != "xcb_generic_event_t") {
+        return false;
+    }
+    const auto* event = static_cast<const xcb_generic_event_t*>(message);
+    if ((event->response_type & 0x7F) == XCB_CLIENT_MESSAGE) {
+        const auto* client = static_cast<const xcb_client_message_event_t*>(message);
+        if (client->type == managerAtom_ && client->data.data32[1] == trayAtom_) {
+            owned_ = true;
+            emit appeared();
+        }
+    }
+    return false;  // Qt's own tray code reads the same message
+}
+
+}  // namespace corvane::platform
