@@ -1,0 +1,81 @@
+// The delegate in the test process with the desktop's facilities stood in for, and what an
+// alert asks of the notification service. The menu as a panel sees it: tests/e2e.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QTest>
+#include <mutex>
+
+#include "app/app_delegate.h"
+#include "app/status_title.h"
+#include "app/tray_glyph_icon.h"
+#include "platform/freedesktop_notifications.h"
+
+namespace corvane::app {
+namespace {
+
+TEST(Shell, LaunchAsksPermissionAndMakesOneItemOnceATrayAppears) {
+    platform::NotificationCentre centre(QDBusConnection(QStringLiteral("corvane-no-such-bus")));
+    std::function<void()> trayAppeared;
+    std::mutex mutex;
+    std::vector<std::string> lines;
+    AppDelegate delegate(
+        {[&] { return &centre; },
+         [&](QObject*, std::function<void()> appeared) { trayAppeared = appeared; },
+         [&](std::string_view line) {
+             const std::lock_guard lock(mutex);
+             lines.emplace_back(line);
+         }});
+    QApplication::setQuitOnLastWindowClosed(false);
+    delegate.applicationDidFinishLaunching();
+    EXPECT_EQ(centre.delegate(), &delegate);
+    EXPECT_EQ(delegate.statusItem(), nullptr);
+    EXPECT_TRUE(QApplication::quitOnLastWindowClosed()) << "without a tray the window is the app";
+    const auto printed = [&] {
+        const std::lock_guard lock(mutex);
+        return lines;
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !printed().empty(); }, 5000));
+    QTest::qWait(100);
+    EXPECT_EQ(printed(), std::vector<std::string>{"Notification denied"}) << "no bus, no service";
+
+    trayAppeared();
+    QSystemTrayIcon* item = delegate.statusItem();
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(item->toolTip().toUtf8(), QByteArray(kStatusTitle));
+    EXPECT_FALSE(QApplication::quitOnLastWindowClosed()) << "the tray keeps the app";
+    trayAppeared();  // the panel restarted: still the one item
+    EXPECT_EQ(delegate.statusItem(), item);
+}
+
+TEST(Shell, TheGlyphFillsPartOfTheSquareAtEverySize) {
+    for (const int side : {16, 22, 64}) {
+        const QImage image = trayGlyphIcon(QString::fromUtf8(kStatusGlyph), Qt::white)
+                                 .pixmap(side, side)
+                                 .toImage()
+                                 .convertToFormat(QImage::Format_Alpha8);
+        const auto ink = std::count_if(image.constBits(), image.constBits() + image.sizeInBytes(),
+                                       [](uchar alpha) { return alpha > 128; });
+        EXPECT_TRUE(ink > side * side / 10 && ink < side * side / 2) << side << ": " << ink;
+    }
+}
+
+TEST(Shell, AnAlertIsOneNotifyWithTheAppsNameIconAndSound) {
+    for (const bool sound : {true, false}) {
+        const QList<QVariant> args = platform::freedesktop::notifyMessage(
+                                         {"ID", "Low Battery", "Battery at 5%", true}, sound)
+                                         .arguments();
+        ASSERT_EQ(args.size(), 8);
+        EXPECT_EQ(QVariantList(args.begin(), args.begin() + 6),
+                  QVariantList(
+                      {"Corvane", 0u, "corvane", "Low Battery", "Battery at 5%", QStringList()}));
+        EXPECT_EQ(args[7], -1);
+        const QVariantMap hints = args[6].toMap();
+        EXPECT_EQ(hints.value("desktop-entry"), "corvane");
+        EXPECT_EQ(hints.value("sound-name"), sound ? QVariant("message-new-instant") : QVariant());
+        EXPECT_EQ(hints.value("suppress-sound"), sound ? QVariant() : QVariant(true));
+    }
+}
+
+}  // namespace
+}  // namespace corvane::app
