@@ -1,0 +1,250 @@
+#!/usr/bin/python3
+"""The built application as a user meets it, on a desktop of its own: a session bus that starts
+no service by itself, a display, real panels and a real notification service, and the
+accessibility bus a screen reader reads. As root, everything runs as the user nobody (sway
+refuses root). Each step says what it proves; a failure names the step.
+
+    desktop_test.py wayland APP FIXTURE   headless sway, waybar started after the app, dunst
+    desktop_test.py x11 APP FIXTURE       Xvfb, a notification service that hangs, trayer later
+APP is the test build (corvane-test-app) that reads /proc and /sys below a copy of FIXTURE."""
+import json, os, re, shutil, subprocess, sys, tempfile, time
+from gi.repository import Gio, GLib
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+ITEM, MENU = "org.kde.StatusNotifierItem", "com.canonical.dbusmenu"
+NOTIFICATIONS = "org.freedesktop.Notifications"
+
+
+def hung_service(bus):
+    """Takes the permission question and never answers it: the main loop that would is never run."""
+    node = Gio.DBusNodeInfo.new_for_xml(f"<node><interface name='{NOTIFICATIONS}'>"
+                                        "<method name='GetServerInformation'/></interface></node>")
+    bus.register_object("/org/freedesktop/Notifications", node.interfaces[0], lambda *a: None)
+    bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+                  GLib.Variant("(su)", (NOTIFICATIONS, 0)), None, 0, -1)
+
+
+def step(text):
+    print(f"== {text}", flush=True)
+
+
+def wait_for(what, check, timeout=10.0):
+    deadline = time.monotonic() + timeout
+    while not (result := check()):
+        assert time.monotonic() < deadline, f"{what}: not within {timeout} s"
+        time.sleep(0.05)
+    return result
+
+
+def run(*command):
+    return subprocess.run(command, capture_output=True, text=True).stdout
+
+
+class Desktop:
+    """The bus, the accessibility bus, and every program started here; the machine the app reads."""
+
+    def __init__(self, home, binary, fixture):
+        self.home, self.children, self.binary, self.root = home, [], binary, f"{home}/machine"
+        shutil.copytree(fixture, self.root)
+        self.set_cpu(25)
+        os.environ.update(XDG_RUNTIME_DIR=home, HOME=home, NO_AT_BRIDGE="1",
+                          DBUS_SESSION_BUS_ADDRESS=f"unix:path={home}/bus")
+        self.start("dbus-daemon", f"--config-file={HERE}/bus.conf", f"--address=unix:path={home}/bus", "--nofork")
+        wait_for("the session bus", lambda: os.path.exists(f"{home}/bus"))
+        self.bus = Gio.bus_get_sync(Gio.BusType.SESSION)
+        self.start("/usr/libexec/at-spi-bus-launcher", "--launch-immediately")
+        wait_for("the accessibility bus", lambda: self.has_owner("org.a11y.Bus"))
+
+    def start(self, *command, stdout=subprocess.DEVNULL, **env):
+        self.children.append(subprocess.Popen(command, env={**os.environ, **env}, stdout=stdout,
+                                              stderr=subprocess.DEVNULL))
+        return self.children[-1]
+
+    def launch(self, platform):
+        self.out, self.errors = (open(f"{self.home}/{name}", "w+") for name in ("out", "err"))
+        self.app = subprocess.Popen([self.binary, "--root", self.root], stdout=self.out, stderr=self.errors,
+                                    env={**os.environ, "QT_QPA_PLATFORM": platform,
+                                         "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"})
+        self.children.append(self.app)
+
+    def set_cpu(self, percent):
+        with open(f"{self.root}/proc/stat", "w") as stat:
+            stat.write(f"cpu  {percent * 10} 0 0 {1000 - percent * 10}\n")
+
+    def output(self):
+        return self.out.seek(0) or self.out.read()
+
+    def call(self, service, path, interface, method, signature=None, *args):
+        arguments = GLib.Variant(signature, args) if signature else None
+        return self.bus.call_sync(service, path, interface, method, arguments, None, 0, 5000, None).unpack()
+
+    def prop(self, service, path, interface, name):
+        return self.call(service, path, "org.freedesktop.DBus.Properties", "Get", "(ss)", interface, name)[0]
+
+    def has_owner(self, name):
+        return self.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                         "NameHasOwner", "(s)", name)[0]
+
+    def items(self):
+        try:
+            return self.prop("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher",
+                             "org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems")
+        except GLib.Error:  # no panel, or one going away
+            return []
+
+
+def screen_reader():
+    """The window, each row's value by its label, and the chart, as AT-SPI presents them."""
+    import pyatspi
+
+    def application():
+        desktop = pyatspi.Registry.getDesktop(0)
+        apps = [desktop.getChildAtIndex(i) for i in range(desktop.childCount)]
+        return next((a for a in apps if a and a.name == "Corvane" and a.childCount), None)
+
+    window = wait_for("the application on the accessibility bus", application).getChildAtIndex(0)
+    nodes = list(pyatspi.utils.findAllDescendants(window, lambda node: True))
+    values = {relation.getTarget(0).name: node for node in nodes for relation in node.getRelationSet()
+              if relation.getRelationType() == pyatspi.RELATION_LABELLED_BY}
+    charts = [node for node in nodes if node.getRole() == pyatspi.ROLE_CHART]
+    assert len(charts) == 1 and len(values) == 6, ([n.getRoleName() for n in nodes], list(values))
+    return window, values, charts[0]
+
+
+def sway_windows(node=None):
+    node = node or json.loads(run("swaymsg", "-t", "get_tree"))
+    return [node] * (node.get("app_id") == "corvane") + [
+        window for child in node["nodes"] + node["floating_nodes"] for window in sway_windows(child)]
+
+
+def wayland(desktop):
+    desktop.start("sway", "-c", f"{HERE}/sway.conf", WLR_BACKENDS="headless", WLR_LIBINPUT_NO_DEVICES="1",
+                  WLR_RENDERER="pixman")
+    ipc = wait_for("sway", lambda: os.path.exists(f"{desktop.home}/wayland-1") and
+                   [f for f in os.listdir(desktop.home) if f.startswith("sway-ipc")])
+    os.environ.update(WAYLAND_DISPLAY="wayland-1", SWAYSOCK=f"{desktop.home}/{ipc[0]}")
+    dunst = desktop.start("dunst")
+    wait_for("dunst", lambda: desktop.has_owner(NOTIFICATIONS))
+    posts = open(f"{desktop.home}/notify.log", "w+")
+    desktop.start("dbus-monitor", f"interface='{NOTIFICATIONS}',member='Notify'", stdout=posts)
+    desktop.launch("wayland")
+
+    step("the permission line, and first values that change with the next 2 s tick")
+    wait_for("Notification granted", lambda: desktop.output() == "Notification granted\n")
+    cpu = screen_reader()[1]["CPU Usage:"]
+    wait_for("CPU 25 %", lambda: cpu.name == "25.00 %")
+    desktop.set_cpu(50)
+    wait_for("CPU 50 % at the next tick", lambda: cpu.name == "50.00 %", 2.5)
+
+    step("a panel started after the application gets the item, and gets it again after a restart")
+    for round in (1, 2):
+        started = time.monotonic()
+        waybar = desktop.start("waybar", "-c", f"{HERE}/waybar.json")
+        item = wait_for("the item registered with waybar", desktop.items, 5)
+        print(f"item registered {1000 * (time.monotonic() - started):.0f} ms after waybar started")
+        if round == 1:
+            waybar.terminate()
+            wait_for("waybar gone", lambda: not desktop.items())
+    service, path = item[0].split("/", 1)
+    path = "/" + path
+    pixels = subprocess.run(["grim", "-t", "ppm", "-g", "900,0 124x24", "-"], capture_output=True).stdout
+    pixels = pixels.split(maxsplit=4)[4]
+    assert len({pixels[i:i + 3] for i in range(0, len(pixels), 3)}) > 1, "the panel's tray area is empty"
+    assert "\u26a1\ufe0e Monitoring..." in str(desktop.prop(service, path, ITEM, "ToolTip")), "the title"
+    assert desktop.prop(service, path, ITEM, "Title") == "Corvane"
+
+    step("a CPU above 85 % brings one alert per cool-down, also across a restart of dunst")
+    desktop.set_cpu(90)
+    alerts = lambda: posts.seek(0) or posts.read().count("member=Notify")
+    wait_for("the alert", lambda: alerts() == 1, 3)
+    request = posts.seek(0) or posts.read()
+    assert re.search(r'"Corvane"\s+uint32 0\s+string "corvane"\s+string "High CPU Usage"\s+string '
+                     r'"CPU usage is at 90%."[\s\S]*"desktop-entry"[\s\S]*"message-new-instant"', request), request
+    dunst.terminate()
+    time.sleep(7)
+    assert alerts() == 1, "a second alert inside the cool-down"
+    desktop.start("dunst")
+    wait_for("the next alert, ten seconds on, shown by the new dunst",
+             lambda: alerts() == 2 and run("dunstctl", "count", "displayed").strip() == "1", 5)
+
+    step("closing the window leaves the item; Open App brings the one window back; Quit ends")
+    run("swaymsg", "[app_id=corvane] kill")
+    wait_for("the window closed", lambda: not sway_windows())
+    time.sleep(1)
+    assert desktop.app.poll() is None and desktop.items() == item, "closing the window ended it"
+    menu = desktop.prop(service, path, ITEM, "Menu")
+    entries = desktop.call(service, menu, MENU, "GetLayout", "(iias)", 0, -1, [])[1][2]
+    shown = [(props.get("label"), props.get("type"), props.get("shortcut")) for _, props, _ in entries]
+    assert shown == [("Open App", None, [["Control", "Shift", "O"]]), (None, "separator", None),
+                     ("Quit", None, [["Control", "Shift", "Q"]])], shown
+    ids = {props.get("label"): id for id, props, _ in entries}
+    click = lambda label: desktop.call(service, menu, MENU, "Event", "(isvu)", ids[label], "clicked",
+                                       GLib.Variant("i", 0), 0)
+    click("Open App")
+    window = wait_for("the window shown again", sway_windows)
+    click("Open App")
+    time.sleep(0.5)
+    assert len(sway_windows()) == 1, "Open App made a second window"
+    print("after Open App sway shows the window focused:", window[0]["focused"])
+    click("Quit")
+    assert desktop.app.wait(30) == 0, f"exit status {desktop.app.returncode}"
+    errors = desktop.errors.seek(0) or desktop.errors.read()
+    assert not re.search(r"ERROR: \w+Sanitizer|runtime error:", errors), errors
+
+
+def x11(desktop):
+    display = desktop.start("Xvfb", "-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp",
+                            stdout=subprocess.PIPE)
+    os.environ["DISPLAY"] = ":" + display.stdout.readline().decode().strip()
+    hung_service(desktop.bus)
+    desktop.launch("xcb")
+
+    step("what a screen reader finds, read while the notification service hangs")
+    window, values, chart = screen_reader()
+    assert (window.getRoleName(), window.name, window.description) == (
+        "frame", "Corvane", "System monitor dashboard"), (window.getRoleName(), window.name)
+    rows = {"CPU Usage:": "25.00 %", "RAM Usage:": "42.91 %", "Battery:": "80% (Charging)",
+            "Download:": "0.00 MB/s", "Upload:": "0.00 MB/s"}
+    wait_for(f"rows {rows}", lambda: {row: values[row].name for row in rows} == rows)
+    assert desktop.output() == "", "the permission answer came before the reply timeout"
+    assert re.fullmatch(r"\d+\.\d\d %", values["Disk Usage:"].name), values["Disk Usage:"].name
+    assert chart.name == "CPU Usage History (last 1 min)", chart.name
+    desktop.set_cpu(40)
+    wait_for("the chart's description after a few ticks", lambda: re.fullmatch(
+        r"[2-9] values, lowest 25\.00 %, highest 40\.00 %, latest 40\.00 %", chart.description), 5)
+    wait_for("Notification denied at the reply timeout", lambda: desktop.output() == "Notification denied\n", 5)
+
+    step("an X11 tray started after the application embeds the item")
+    started = time.monotonic()
+    desktop.start("trayer", "--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24")
+    wait_for("the item in trayer", lambda: re.search(r'\n( *)\S+ "panel": \("panel" "trayer"\)[^\n]*'
+                                                     r'(\n\1 [^\n]*)*"Corvane": \(', run("xwininfo", "-root", "-tree")))
+    print(f"item embedded {1000 * (time.monotonic() - started):.0f} ms after trayer started")
+
+
+def main():
+    scenario, binary, fixture, *home = sys.argv[1:]
+    if not home:  # run again in a folder of its own, as nobody when this is root
+        home = tempfile.mkdtemp(prefix="corvane-desktop-")
+        command = [sys.executable, __file__, scenario, binary, fixture, home]
+        if os.getuid() == 0:
+            command[3:5] = shutil.copy(binary, f"{home}/app"), shutil.copytree(fixture, f"{home}/fixture")
+            subprocess.run(["chown", "-R", "nobody:nogroup", home], check=True)
+            command[:0] = ["setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups", "--"]
+        status = subprocess.run(command).returncode
+        shutil.rmtree(home, ignore_errors=True)
+        sys.exit(status)
+    for name in ("DISPLAY", "WAYLAND_DISPLAY", "SWAYSOCK"):
+        os.environ.pop(name, None)
+    desktop = Desktop(home[0], binary, fixture)
+    try:
+        {"wayland": wayland, "x11": x11}[scenario](desktop)
+    finally:
+        for child in reversed(desktop.children):
+            child.kill()
+            child.wait()
+    print("ok")
+
+
+if __name__ == "__main__":
+    main()
