@@ -21,10 +21,14 @@ QList<QPointF> historyPoints(std::span<const double> history) {
     return points;
 }
 
+// The chart goes to the view's constructor: the view owns it, and the chart owns the series
+// and the axes. (Given later through setChart, it would orphan the view's default chart.)
 CpuHistoryChart::CpuHistoryChart(QWidget* parent)
-    : QChartView(parent), series_(new QLineSeries), xAxis_(new QValueAxis), yAxis_(new QValueAxis) {
-    // The chart view owns the chart, the chart owns the series and the axes.
-    auto* chart = new QChart;
+    : QChartView(new QChart, parent),
+      series_(new QLineSeries),
+      xAxis_(new QValueAxis),
+      yAxis_(new QValueAxis) {
+    QChart* chart = this->chart();
     chart->setTheme(QChart::ChartThemeDark);  // light axis text and grid for the black window
     chart->setBackgroundVisible(false);
     chart->setPlotAreaBackgroundVisible(false);
@@ -43,7 +47,6 @@ CpuHistoryChart::CpuHistoryChart(QWidget* parent)
     xAxis_->setTickInterval(5.0);
     yAxis_->setLabelFormat("%g");
 
-    setChart(chart);
     setRenderHint(QPainter::Antialiasing);
     setFrameShape(QFrame::NoFrame);
     setBackgroundBrush(Qt::NoBrush);
