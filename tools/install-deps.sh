@@ -5,11 +5,14 @@ set -euo pipefail
 
 packages=(
     g++ cmake ninja-build pkg-config
-    qt6-base-dev qt6-charts-dev libqt6opengl6-dev
+    qt6-base-dev qt6-charts-dev libqt6opengl6-dev libxcb1-dev
+    qt6-wayland
     libgtest-dev libgmock-dev libbenchmark-dev
     xvfb xauth dbus fonts-dejavu-core locales
-    dunst libnotify-bin
     clang libclang-rt-14-dev
+    # The desktops the end-to-end tests run the application on: a Wayland compositor with a
+    # panel, an X11 tray, a notification service, screenshots and the screen readers' bus.
+    sway waybar grim trayer x11-utils dunst at-spi2-core python3-pyatspi python3-gi
 )
 
 missing=()

@@ -7,7 +7,11 @@ if [ ! -x "$app" ]; then
     echo "run-app.sh: $app is not built" >&2
     exit 1
 fi
-if [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; then
+if [ -n "${WAYLAND_DISPLAY:-}" ]; then
+    # Natively on Wayland (qt6-wayland), through XWayland only when the plugin is missing.
+    QT_QPA_PLATFORM="${QT_QPA_PLATFORM:-wayland;xcb}" exec "$app"
+fi
+if [ -n "${DISPLAY:-}" ]; then
     exec "$app"
 fi
 echo "No display found: running Corvane on a virtual display (Xvfb); Ctrl+C ends it."
