@@ -1,5 +1,5 @@
-// The delegate in the test process with the desktop's facilities stood in for, and what an
-// alert asks of the notification service. The menu as a panel sees it: tests/e2e.
+// The delegate in the test process with the desktop's facilities stood in for, and the tray
+// glyph. The menu as a panel sees it, and the Notify request as the service gets it: tests/e2e.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -9,7 +9,6 @@
 #include "app/app_delegate.h"
 #include "app/status_title.h"
 #include "app/tray_glyph_icon.h"
-#include "platform/freedesktop_notifications.h"
 
 namespace corvane::app {
 namespace {
@@ -57,23 +56,6 @@ TEST(Shell, TheGlyphFillsPartOfTheSquareAtEverySize) {
         const auto ink = std::count_if(image.constBits(), image.constBits() + image.sizeInBytes(),
                                        [](uchar alpha) { return alpha > 128; });
         EXPECT_TRUE(ink > side * side / 10 && ink < side * side / 2) << side << ": " << ink;
-    }
-}
-
-TEST(Shell, AnAlertIsOneNotifyWithTheAppsNameIconAndSound) {
-    for (const bool sound : {true, false}) {
-        const QList<QVariant> args = platform::freedesktop::notifyMessage(
-                                         {"ID", "Low Battery", "Battery at 5%", true}, sound)
-                                         .arguments();
-        ASSERT_EQ(args.size(), 8);
-        EXPECT_EQ(QVariantList(args.begin(), args.begin() + 6),
-                  QVariantList(
-                      {"Corvane", 0u, "corvane", "Low Battery", "Battery at 5%", QStringList()}));
-        EXPECT_EQ(args[7], -1);
-        const QVariantMap hints = args[6].toMap();
-        EXPECT_EQ(hints.value("desktop-entry"), "corvane");
-        EXPECT_EQ(hints.value("sound-name"), sound ? QVariant("message-new-instant") : QVariant());
-        EXPECT_EQ(hints.value("suppress-sound"), sound ? QVariant() : QVariant(true));
     }
 }
 
