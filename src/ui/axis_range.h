@@ -8,8 +8,6 @@ struct AxisRange {
     double min = 0.0;
     double max = 1.0;
     int tickCount = 2;
-
-    friend bool operator==(const AxisRange&, const AxisRange&) = default;
 };
 
 // The automatic range of the chart's value axis: from 0 to a round number at or above the

@@ -20,8 +20,6 @@ struct Color {
     // skipped, then one hex number is scanned and its low 24 bits are red, green and blue.
     // Anything unreadable gives black.
     static Color fromHex(std::string_view hex);
-
-    friend bool operator==(const Color&, const Color&) = default;
 };
 
 QColor toQColor(const Color& color);
