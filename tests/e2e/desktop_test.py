@@ -103,13 +103,23 @@ def screen_reader():
         apps = [desktop.getChildAtIndex(i) for i in range(desktop.childCount)]
         return next((a for a in apps if a and a.name == "Corvane" and a.childCount), None)
 
-    window = wait_for("the application on the accessibility bus", application).getChildAtIndex(0)
+    window = wait_for("the application on the accessibility bus", application, 20).getChildAtIndex(0)
     nodes = list(pyatspi.utils.findAllDescendants(window, lambda node: True))
     values = {relation.getTarget(0).name: node for node in nodes for relation in node.getRelationSet()
               if relation.getRelationType() == pyatspi.RELATION_LABELLED_BY}
     charts = [node for node in nodes if node.getRole() == pyatspi.ROLE_CHART]
     assert len(charts) == 1 and len(values) == 6, ([n.getRoleName() for n in nodes], list(values))
     return window, values, charts[0]
+
+
+def close_x11_window(name):
+    """What a window manager does when the user closes a window: ask it with WM_DELETE_WINDOW."""
+    from Xlib import X, display, protocol
+    x = display.Display()
+    window = x.create_resource_object("window", int(run("xdotool", "search", "--class", name).split()[0]))
+    window.send_event(protocol.event.ClientMessage(window=window, client_type=x.intern_atom("WM_PROTOCOLS"), data=(
+        32, [x.intern_atom("WM_DELETE_WINDOW"), X.CurrentTime, 0, 0, 0])))
+    x.flush()
 
 
 def sway_windows(node=None):
@@ -160,7 +170,7 @@ def wayland(desktop):
     wait_for("the alert", lambda: alerts() == 1, 3)
     request = posts.seek(0) or posts.read()
     assert re.search(r'"Corvane"\s+uint32 0\s+string "corvane"\s+string "High CPU Usage"\s+string '
-                     r'"CPU usage is at 90%."[\s\S]*"desktop-entry"[\s\S]*"message-new-instant"', request), request
+                     r'"CPU usage is at 90%."[\s\S]*"desktop-entry"[\s\S]*"message-new-instant"[\s\S]*int32 -1', request), request
     dunst.terminate()
     time.sleep(7)
     assert alerts() == 1, "a second alert inside the cool-down"
@@ -214,6 +224,13 @@ def x11(desktop):
     wait_for("the chart's description after a few ticks", lambda: re.fullmatch(
         r"[2-9] values, lowest 25\.00 %, highest 40\.00 %, latest 40\.00 %", chart.description), 5)
     wait_for("Notification denied at the reply timeout", lambda: desktop.output() == "Notification denied\n", 5)
+
+    step("with no tray, an X selection manager that starts is no tray: closing the window quits")
+    desktop.start("xsettingsd", "-c", "/dev/null")  # announces its _XSETTINGS_S0 selection with a MANAGER message
+    time.sleep(1)
+    close_x11_window("^Corvane$")
+    assert desktop.app.wait(10) == 0, "closing the window did not end the application"
+    desktop.launch("xcb")
 
     step("an X11 tray started after the application embeds the item")
     started = time.monotonic()
