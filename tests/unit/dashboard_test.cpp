@@ -129,8 +129,12 @@ TEST_F(DashboardView, RowsFromTheMonitorOneRefreshPerTickAndNoneWhileHidden) {
     EXPECT_EQ(refreshes.count(), 4);
 }
 
-// Insets of 40 and gaps of 20; values flush right; extra height below the chart, black.
+// Text of 26, 17 and 13 pixels; insets of 40 and gaps of 20; values flush right; extra
+// height below the chart, black.
 TEST_F(DashboardView, LayoutGrowsWithTheWindow) {
+    EXPECT_EQ(join(child("title")->font().pixelSize(), child("title")->font().bold(),
+                   child("value0")->font().pixelSize(), child("caption")->font().pixelSize()),
+              "26 1 17 13");
     EXPECT_EQ(view.minimumSize(), QSize(500, 500));
     int chartTop = 0;
     for (const QSize size : {QSize(500, 700), QSize(900, 1000)}) {

@@ -28,6 +28,7 @@ TEST(Shell, LaunchAsksPermissionAndMakesOneItemOnceATrayAppears) {
     QApplication::setQuitOnLastWindowClosed(false);
     delegate.applicationDidFinishLaunching();
     EXPECT_EQ(centre.delegate(), &delegate);
+    EXPECT_EQ(delegate.willPresent({}), 18u) << "banner and sound";
     EXPECT_EQ(delegate.statusItem(), nullptr);
     EXPECT_TRUE(QApplication::quitOnLastWindowClosed()) << "without a tray the window is the app";
     const auto printed = [&] {
