@@ -122,6 +122,12 @@ def close_x11_window(name):
     x.flush()
 
 
+def tray_area():
+    """The right end of the panel, where waybar draws its tray, as RGB bytes."""
+    ppm = subprocess.run(["grim", "-t", "ppm", "-g", "900,0 124x24", "-"], capture_output=True).stdout
+    return ppm[-124 * 24 * 3:]
+
+
 def sway_windows(node=None):
     node = node or json.loads(run("swaymsg", "-t", "get_tree"))
     return [node] * (node.get("app_id") == "corvane") + [
@@ -158,9 +164,9 @@ def wayland(desktop):
             wait_for("waybar gone", lambda: not desktop.items())
     service, path = item[0].split("/", 1)
     path = "/" + path
-    pixels = subprocess.run(["grim", "-t", "ppm", "-g", "900,0 124x24", "-"], capture_output=True).stdout
-    pixels = pixels.split(maxsplit=4)[4]
-    assert len({pixels[i:i + 3] for i in range(0, len(pixels), 3)}) > 1, "the panel's tray area is empty"
+    # waybar fetches the icon after the item registers: the amber glyph shows a moment later.
+    wait_for("the amber glyph in the panel's tray area", lambda: any(
+        r > 200 and 120 < g < 220 and b < 80 for r, g, b in zip(*[iter(tray_area())] * 3)), 5)
     assert "\u26a1\ufe0e Monitoring..." in str(desktop.prop(service, path, ITEM, "ToolTip")), "the title"
     assert desktop.prop(service, path, ITEM, "Title") == "Corvane"
 
