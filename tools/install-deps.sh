@@ -14,6 +14,8 @@ packages=(
     # panel, an X11 tray, a notification service, screenshots and the screen readers' bus.
     sway waybar grim trayer x11-utils xdotool xsettingsd python3-xlib dunst at-spi2-core
     python3-pyatspi python3-gi
+    # A passwd file of the tests' own, for the home lookup's long entries.
+    libnss-wrapper
 )
 
 missing=()
