@@ -56,13 +56,23 @@ struct Peer {
           name(std::move(name)) {
         thread.start();
         service.moveToThread(&thread);
+        // Registered from the service's own thread: QtDBus hangs helper objects on it.
+        QMetaObject::invokeMethod(
+            &service,
+            [this, &path] {
+                bus.registerObject(path, &service, QDBusConnection::ExportAllContents);
+            },
+            Qt::BlockingQueuedConnection);
         if (hung) {
             QMetaObject::invokeMethod(&service, [this] { release.acquire(); });
         }
-        bus.registerObject(path, &service, QDBusConnection::ExportAllContents);
     }
     ~Peer() {
         release.release();
+        // Back home before it dies, so that it is destroyed in the thread it lives in.
+        QThread* home = QThread::currentThread();
+        QMetaObject::invokeMethod(
+            &service, [this, home] { service.moveToThread(home); }, Qt::BlockingQueuedConnection);
         thread.quit();
         thread.wait();
         QDBusConnection::disconnectFromBus(bus.name());
