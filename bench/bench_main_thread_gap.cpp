@@ -160,9 +160,9 @@ int main(int argc, char** argv) {
                                         std::chrono::milliseconds(2000));
     std::unique_ptr<QSystemTrayIcon> item;
     int appearances = 0;
-    QObject::connect(&tray, &corvane::platform::TrayWatcher::trayAvailable, [&] {
-        ++appearances;
-        if (!item) {
+    QObject::connect(&tray, &corvane::platform::TrayWatcher::trayAvailabilityChanged, [&](bool on) {
+        appearances += on ? 1 : 0;
+        if (on && !item) {
             item = std::make_unique<QSystemTrayIcon>(
                 corvane::app::trayGlyphIcon(QStringLiteral("\u26A1"), Qt::yellow));
             item->show();

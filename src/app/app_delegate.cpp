@@ -40,10 +40,16 @@ void AppDelegate::applicationDidFinishLaunching() {
         facilities_.printLine("Notification denied");
     }
     buildMenu();
-    // Until there is a tray, the window is the application: closing it quits. The desktop is
-    // watched for a tray all run long, since a panel may well start after the application.
+    // While there is no tray, the window is the application: closing it quits, rather than
+    // leaving a process nobody can reach. The desktop is watched for a tray all run long, since
+    // a panel may well start after the application, or end and start again.
     QApplication::setQuitOnLastWindowClosed(true);
-    facilities_.watchSystemTray(this, [this] { createStatusItem(); });
+    facilities_.watchSystemTray(this, [this](bool available) {
+        QApplication::setQuitOnLastWindowClosed(!available);
+        if (available) {
+            createStatusItem();
+        }
+    });
 }
 
 void AppDelegate::buildMenu() {
@@ -62,8 +68,6 @@ void AppDelegate::createStatusItem() {
     if (statusItem_) {
         return;
     }
-    // From now on the application lives on in the tray after its window is closed.
-    QApplication::setQuitOnLastWindowClosed(false);
     statusItem_ = std::make_unique<QSystemTrayIcon>();
     statusItem_->setToolTip(QString::fromUtf8(kStatusTitle));
     statusItem_->setIcon(trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour));

@@ -23,7 +23,7 @@ class AppDelegate : public QObject, public platform::NotificationCentreDelegate 
     ~AppDelegate() override;
 
     // Null until the desktop has a tray (the launch hook starts watching for one); then the one
-    // tray item for the rest of the run.
+    // tray item for the rest of the run, hidden by Qt while no tray shows it.
     QSystemTrayIcon* statusItem() const { return statusItem_.get(); }
     // The item's menu, built by the launch hook whether or not there is a tray.
     QMenu* statusMenu() const { return menu_.get(); }

@@ -10,12 +10,12 @@ namespace corvane::app {
 ShellFacilities desktopShellFacilities() {
     ShellFacilities facilities;
     facilities.notificationCentre = &platform::NotificationCentre::current;
-    facilities.watchSystemTray = [](QObject* context, std::function<void()> appeared) {
+    facilities.watchSystemTray = [](QObject* context, std::function<void(bool)> changed) {
         // A panel answers in milliseconds; two seconds is a watcher that is stuck.
         auto* watcher = new platform::TrayWatcher(QDBusConnection::sessionBus(),
                                                   std::chrono::milliseconds(2000), context);
-        QObject::connect(watcher, &platform::TrayWatcher::trayAvailable, context,
-                         std::move(appeared));
+        QObject::connect(watcher, &platform::TrayWatcher::trayAvailabilityChanged, context,
+                         std::move(changed));
     };
     facilities.printLine = &printLineToStandardOutput;
     return facilities;

@@ -12,10 +12,11 @@ namespace corvane::app {
 struct ShellFacilities {
     // The notification service the delegate registers with and asks for permission.
     std::function<platform::NotificationCentre*()> notificationCentre;
-    // Calls `appeared` on the thread of `context`, for as long as `context` lives, each time the
-    // desktop gains a tray that shows items (a StatusNotifier host or an X11 tray). Must not
-    // wait on the bus.
-    std::function<void(QObject* context, std::function<void()> appeared)> watchSystemTray;
+    // Calls `changed` on the thread of `context`, for as long as `context` lives, with true each
+    // time the desktop gains a tray that shows items (a StatusNotifier host or an X11 tray) and
+    // false when the last one goes. Must not wait on the bus.
+    std::function<void(QObject* context, std::function<void(bool available)> changed)>
+        watchSystemTray;
     // Where the one permission line goes; may be called from any thread.
     std::function<void(std::string_view)> printLine;
 };

@@ -19,7 +19,7 @@ const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
 
 TrayWatcher::TrayWatcher(QDBusConnection bus, std::chrono::milliseconds timeout, QObject* parent)
     : QObject(parent), bus_(std::move(bus)), timeout_(timeout), x11_(new X11TraySelection(this)) {
-    connect(x11_, &X11TraySelection::appeared, this, &TrayWatcher::settle);
+    connect(x11_, &X11TraySelection::changed, this, &TrayWatcher::settle);
     if (bus_.isConnected()) {
         auto* names =
             new QDBusServiceWatcher(kWatcher, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
@@ -66,9 +66,12 @@ void TrayWatcher::askForHost() {
     });
 }
 
+// A stuck watcher is no tray: its panel shows nothing, and Qt's own check would block on it.
 void TrayWatcher::settle() {
-    if (host_ == Host::Present || (host_ == Host::Absent && x11_->isOwned())) {
-        emit trayAvailable();
+    const bool available = host_ == Host::Present || (host_ == Host::Absent && x11_->isOwned());
+    if (available != available_) {
+        available_ = available;
+        emit trayAvailabilityChanged(available);
     }
 }
 

@@ -24,8 +24,9 @@ class TrayWatcher : public QObject {
     TrayWatcher(QDBusConnection bus, std::chrono::milliseconds timeout, QObject* parent = nullptr);
 
   signals:
-    // A tray is there. Comes again when a tray comes back; one item is all it takes.
-    void trayAvailable();
+    // A tray came, or the last one went. One item is all it takes: Qt registers it again
+    // with a tray that comes back.
+    void trayAvailabilityChanged(bool available);
 
   private slots:
     void askForHost();
@@ -38,6 +39,7 @@ class TrayWatcher : public QObject {
     std::chrono::milliseconds timeout_;
     Host host_ = Host::Unknown;
     quint64 question_ = 0;  // answers to older questions are stale
+    bool available_ = false;
     X11TraySelection* x11_;
 };
 

@@ -17,6 +17,14 @@ xcb_connection_t* x11Connection() {
     return x11 ? x11->connection() : nullptr;
 }
 
+std::uint32_t selectionOwner(xcb_connection_t* connection, std::uint32_t selection) {
+    const std::unique_ptr<xcb_get_selection_owner_reply_t, decltype(&std::free)> owner(
+        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, selection),
+                                      nullptr),
+        &std::free);
+    return owner ? owner->owner : std::uint32_t{XCB_WINDOW_NONE};
+}
+
 std::uint32_t internAtom(xcb_connection_t* connection, const char* name) {
     const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
         xcb_intern_atom_reply(
@@ -38,13 +46,25 @@ X11TraySelection::X11TraySelection(QObject* parent) : QObject(parent) {
     }
     trayAtom_ = internAtom(connection, "_NET_SYSTEM_TRAY_S0");
     managerAtom_ = internAtom(connection, "MANAGER");
-    const std::unique_ptr<xcb_get_selection_owner_reply_t, decltype(&std::free)> owner(
-        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, trayAtom_),
-                                      nullptr),
-        &std::free);
-    owned_ = owner && owner->owner != XCB_WINDOW_NONE;
+    follow(selectionOwner(connection, trayAtom_));
     // Qt listens on the root window for structure events, where MANAGER messages arrive.
     QCoreApplication::instance()->installNativeEventFilter(this);
+}
+
+// The owner's DestroyNotify tells that the tray ended. A tray that ended before it was watched
+// is seen by asking the owner again once the watch is in place.
+void X11TraySelection::follow(std::uint32_t owner) {
+    xcb_connection_t* connection = x11Connection();
+    while (owner != XCB_WINDOW_NONE) {
+        const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+        xcb_change_window_attributes(connection, owner, XCB_CW_EVENT_MASK, &mask);
+        const std::uint32_t now = selectionOwner(connection, trayAtom_);
+        if (now == owner) {
+            break;
+        }
+        owner = now;
+    }
+    owner_ = owner;
 }
 
 X11TraySelection::~X11TraySelection() {
@@ -58,14 +78,19 @@ bool X11TraySelection::nativeEventFilter(const QByteArray& eventType, void* mess
         return false;
     }
     const auto* event = static_cast<const xcb_generic_event_t*>(message);
-    if ((event->response_type & 0x7F) == XCB_CLIENT_MESSAGE) {
+    const auto type = event->response_type & 0x7F;
+    if (type == XCB_CLIENT_MESSAGE) {
         const auto* client = static_cast<const xcb_client_message_event_t*>(message);
         if (client->type == managerAtom_ && client->data.data32[1] == trayAtom_) {
-            owned_ = true;
-            emit appeared();
+            follow(client->data.data32[2]);
+            emit changed();
         }
+    } else if (type == XCB_DESTROY_NOTIFY && owner_ != XCB_WINDOW_NONE &&
+               static_cast<const xcb_destroy_notify_event_t*>(message)->window == owner_) {
+        owner_ = XCB_WINDOW_NONE;
+        emit changed();
     }
-    return false;  // Qt's own tray code reads the same message
+    return false;  // Qt's own tray code reads the same events
 }
 
 }  // namespace corvane::platform

@@ -240,10 +240,16 @@ def x11(desktop):
 
     step("an X11 tray started after the application embeds the item")
     started = time.monotonic()
-    desktop.start("trayer", "--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24")
+    trayer = desktop.start("trayer", "--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24")
     wait_for("the item in trayer", lambda: re.search(r'\n( *)\S+ "panel": \("panel" "trayer"\)[^\n]*'
                                                      r'(\n\1 [^\n]*)*"Corvane": \(', run("xwininfo", "-root", "-tree")))
     print(f"item embedded {1000 * (time.monotonic() - started):.0f} ms after trayer started")
+
+    step("once that tray has ended, the window is the application again: closing it quits")
+    trayer.terminate()
+    time.sleep(1)
+    close_x11_window("^Corvane$")
+    assert desktop.app.wait(10) == 0, "closing the window after the tray ended did not end the application"
 
 
 def main():

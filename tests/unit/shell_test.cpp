@@ -13,14 +13,14 @@
 namespace corvane::app {
 namespace {
 
-TEST(Shell, LaunchAsksPermissionAndMakesOneItemOnceATrayAppears) {
+TEST(Shell, LaunchAsksPermissionAndMakesOneItemOnceATrayAppearsAndComesBack) {
     platform::NotificationCentre centre(QDBusConnection(QStringLiteral("corvane-no-such-bus")));
-    std::function<void()> trayAppeared;
+    std::function<void(bool)> trayChanged;
     std::mutex mutex;
     std::vector<std::string> lines;
     AppDelegate delegate(
         {[&] { return &centre; },
-         [&](QObject*, std::function<void()> appeared) { trayAppeared = appeared; },
+         [&](QObject*, std::function<void(bool)> changed) { trayChanged = changed; },
          [&](std::string_view line) {
              const std::lock_guard lock(mutex);
              lines.emplace_back(line);
@@ -39,13 +39,16 @@ TEST(Shell, LaunchAsksPermissionAndMakesOneItemOnceATrayAppears) {
     QTest::qWait(100);
     EXPECT_EQ(printed(), std::vector<std::string>{"Notification denied"}) << "no bus, no service";
 
-    trayAppeared();
+    trayChanged(true);
     QSystemTrayIcon* item = delegate.statusItem();
     ASSERT_NE(item, nullptr);
     EXPECT_EQ(item->toolTip().toUtf8(), QByteArray(kStatusTitle));
     EXPECT_FALSE(QApplication::quitOnLastWindowClosed()) << "the tray keeps the app";
-    trayAppeared();  // the panel restarted: still the one item
+    trayChanged(false);  // the panel ended: the window is the app again
+    EXPECT_TRUE(QApplication::quitOnLastWindowClosed());
+    trayChanged(true);  // and started again: still the one item
     EXPECT_EQ(delegate.statusItem(), item);
+    EXPECT_FALSE(QApplication::quitOnLastWindowClosed());
 }
 
 TEST(Shell, TheGlyphFillsPartOfTheSquareAtEverySize) {
