@@ -20,10 +20,12 @@ if [ "${CORVANE_IDLE_INSIDE:-}" != 1 ]; then
     exec xvfb-run -a -s "-screen 0 1280x1024x24" dbus-run-session -- "$0" "$build"
 fi
 
-ticks_per_second=$(getconf CLK_TCK)
-
-cpu_ticks() {  # utime + stime of a pid
-    awk '{ print $14 + $15 }' "/proc/$1/stat"
+cpu_ns() {  # CPU time of a pid's threads in ns (schedstat counts in ns, stat in 10 ms ticks)
+    if [ -r "/proc/$1/schedstat" ]; then
+        cat /proc/"$1"/task/*/schedstat | awk '{ ns += $1 } END { printf "%d", ns }'
+    else
+        awk -v hz="$(getconf CLK_TCK)" '{ printf "%d", ($14 + $15) * 1e9 / hz }' "/proc/$1/stat"
+    fi
 }
 
 rollup_kb() {  # Rss or Pss of a pid, in kB
@@ -56,16 +58,16 @@ idle_figures() {  # "<cpu %> <rss kB> <pss kB>" of a program left alone
     "$program" >/dev/null 2>&1 &
     pid=$!
     sleep 5
-    before=$(cpu_ticks "$pid")
+    before=$(cpu_ns "$pid")
     sleep "$idle_seconds"
-    after=$(cpu_ticks "$pid")
+    after=$(cpu_ns "$pid")
     local rss pss
     rss=$(rollup_kb "$pid" Rss)
     pss=$(rollup_kb "$pid" Pss)
     kill "$pid"
     wait "$pid" 2>/dev/null || true
-    awk -v d="$((after - before))" -v hz="$ticks_per_second" -v s="$idle_seconds" \
-        -v rss="$rss" -v pss="$pss" 'BEGIN { printf "%.3f %d %d", d / hz / s * 100, rss, pss }'
+    awk -v d="$((after - before))" -v s="$idle_seconds" -v rss="$rss" -v pss="$pss" \
+        'BEGIN { printf "%.4f %d %d", d / 1e9 / s * 100, rss, pss }'
 }
 
 bare="$build/bench/idle/idle_bare_window"
@@ -81,7 +83,7 @@ awk -v bc="$bare_cpu" -v cc="$corvane_cpu" -v br="$bare_rss" -v cr="$corvane_rss
     -v bp="$bare_pss" -v cp="$corvane_pss" -v bf="$bare_frame" -v cf="$corvane_frame" 'BEGIN {
     ratio = "%-26s %12s %12s %8s %8s\n"
     printf ratio, "", "bare window", "Corvane", "ratio", "target"
-    printf "%-26s %12.3f %12.3f %8s %8s\n", "idle CPU (% of one core)", bc, cc, (bc > 0 ? sprintf("%.2f", cc / bc) : "n/a"), "1.10"
+    printf "%-26s %12.4f %12.4f %8s %8s\n", "idle CPU (% of one core)", bc, cc, (bc > 0 ? sprintf("%.2f", cc / bc) : "n/a"), "1.10"
     printf "%-26s %12d %12d %8.2f %8s\n", "RSS (kB)", br, cr, cr / br, "1.15"
     printf "%-26s %12d %12d %8.2f %8s\n", "PSS (kB)", bp, cp, cp / bp, "-"
     printf "%-26s %12.1f %12.1f %8.2f %8s\n", "first frame (ms)", bf, cf, cf / bf, "1.25"
