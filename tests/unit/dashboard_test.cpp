@@ -127,14 +127,18 @@ TEST_F(DashboardView, RowsFromTheMonitorOneRefreshPerTickAndNoneWhileHidden) {
     view.setWindowState(Qt::WindowNoState);
     settle();
     EXPECT_EQ(refreshes.count(), 4);
+    view.setWindowState(Qt::WindowMaximized);
+    settle();
+    EXPECT_EQ(refreshes.count(), 4) << "a change of state with nothing new redraws nothing";
 }
 
 // Text of 26, 17 and 13 pixels; insets of 40 and gaps of 20; values flush right; extra
 // height below the chart, black.
 TEST_F(DashboardView, LayoutGrowsWithTheWindow) {
     EXPECT_EQ(join(child("title")->font().pixelSize(), child("title")->font().bold(),
-                   child("value0")->font().pixelSize(), child("caption")->font().pixelSize()),
-              "26 1 17 13");
+                   child("value0")->font().pixelSize(), child("value0")->font().bold(),
+                   child("caption")->font().pixelSize()),
+              "26 1 17 0 13");
     EXPECT_EQ(view.minimumSize(), QSize(500, 500));
     int chartTop = 0;
     for (const QSize size : {QSize(500, 700), QSize(900, 1000)}) {
