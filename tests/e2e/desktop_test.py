@@ -98,10 +98,11 @@ def screen_reader():
     """The window, each row's value by its label, and the chart, as AT-SPI presents them."""
     import pyatspi
 
-    def application():
+    def application():  # asked afresh: what libatspi cached may predate the window
         desktop = pyatspi.Registry.getDesktop(0)
+        desktop.clearCache()
         apps = [desktop.getChildAtIndex(i) for i in range(desktop.childCount)]
-        return next((a for a in apps if a and a.name == "Corvane" and a.childCount), None)
+        return next((a for a in apps if a and a.name == "Corvane" and (a.clearCache() or a.childCount)), None)
 
     window = wait_for("the application on the accessibility bus", application, 20).getChildAtIndex(0)
     nodes = list(pyatspi.utils.findAllDescendants(window, lambda node: True))
@@ -216,6 +217,8 @@ def x11(desktop):
     display = desktop.start("Xvfb", "-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp",
                             stdout=subprocess.PIPE)
     os.environ["DISPLAY"] = ":" + display.stdout.readline().decode().strip()
+    # On a loaded machine the display was seen to refuse the first client just after announcing it.
+    wait_for("the X display", lambda: subprocess.run(["xdpyinfo"], capture_output=True).returncode == 0)
     hung_service(desktop.bus)
     desktop.launch("xcb")
 
@@ -242,6 +245,7 @@ def x11(desktop):
     desktop.launch("xcb")
 
     step("an X11 tray started after the application embeds the item")
+    wait_for("the launch finished (its permission answer)", lambda: desktop.output() == "Notification denied\n", 5)
     started = time.monotonic()
     trayer = desktop.start("trayer", "--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24")
     wait_for("the item in trayer", lambda: re.search(r'\n( *)\S+ "panel": \("panel" "trayer"\)[^\n]*'
