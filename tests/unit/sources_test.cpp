@@ -1,5 +1,6 @@
 // The five readers: each parser and formula against its case table, every reader over the
 // fixture machines, and what the power-source reader and the kernel files make of changes.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <sys/stat.h>
@@ -113,6 +114,7 @@ TEST(Sources, KernelFilesRefuseFifosAndWhatIsTooLarge) {
     const int input = ::dup(0);
     ::close(0);
     EXPECT_EQ(KernelFile((tree.root() / "f").string()).read(), std::string(10000, '2'));
+    EXPECT_EQ(::fcntl(0, F_GETFD), -1) << "descriptor 0 left open";
     ::dup2(input, 0);
     ::close(input);
 }
