@@ -12,7 +12,7 @@ packages=(
     clang libclang-rt-14-dev
     # The desktops the end-to-end tests run the application on: a Wayland compositor with a
     # panel, an X11 tray, a notification service, screenshots and the screen readers' bus.
-    sway waybar grim trayer x11-utils xdotool xsettingsd python3-xlib dunst at-spi2-core
+    sway waybar grim trayer x11-utils xdotool python3-xlib dunst at-spi2-core
     python3-pyatspi python3-gi
     # A passwd file of the tests' own, for the home lookup's long entries.
     libnss-wrapper
