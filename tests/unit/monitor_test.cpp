@@ -96,7 +96,7 @@ TEST(Monitor, AnnouncesEachWriteBeforeItLands) {
         seen.clear();
         rig.tick();
     }
-    EXPECT_EQ(seen.size(), 9u);
+    ASSERT_EQ(seen.size(), 9u);
     EXPECT_EQ(seen[7], "30 25 80 Charging 0.5");
     EXPECT_EQ(seen[8], "31 25 80 Charging 0.5");
     EXPECT_EQ(rig.monitor->cpuHistory().size(), 30u);
