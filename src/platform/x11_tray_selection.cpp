@@ -1,21 +1,14 @@
 #include "platform/x11_tray_selection.h"
 
-#include <xcb/xcb.h>
-
-#include <QGuiApplication>
+#include <QCoreApplication>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
+
+#include "platform/x11_connection.h"
 
 namespace corvane::platform {
 
 namespace {
-
-xcb_connection_t* x11Connection() {
-    const auto* x11 =
-        qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    return x11 ? x11->connection() : nullptr;
-}
 
 std::uint32_t selectionOwner(xcb_connection_t* connection, std::uint32_t selection) {
     const std::unique_ptr<xcb_get_selection_owner_reply_t, decltype(&std::free)> owner(
@@ -23,16 +16,6 @@ std::uint32_t selectionOwner(xcb_connection_t* connection, std::uint32_t selecti
                                       nullptr),
         &std::free);
     return owner ? owner->owner : std::uint32_t{XCB_WINDOW_NONE};
-}
-
-std::uint32_t internAtom(xcb_connection_t* connection, const char* name) {
-    const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
-        xcb_intern_atom_reply(
-            connection,
-            xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name),
-            nullptr),
-        &std::free);
-    return reply ? reply->atom : std::uint32_t{XCB_ATOM_NONE};
 }
 
 }  // namespace
