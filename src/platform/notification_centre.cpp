@@ -4,6 +4,8 @@
 #include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
 #include <QGuiApplication>
+#include <algorithm>
+#include <utility>
 
 #include "platform/freedesktop_notifications.h"
 
@@ -25,13 +27,34 @@ QString errorText(const QDBusError& error) {
 
 constexpr unsigned kShown = PresentationBanner | PresentationList | PresentationAlert;
 
+// Enough for every notification a user could still click: one alert per 10 s at most.
+constexpr std::size_t kPostedKept = 32;
+
 }  // namespace
 
 NotificationCentre::NotificationCentre(QDBusConnection bus, QObject* parent)
     : NotificationCentre(std::move(bus), applicationIsActive, parent) {}
 
 NotificationCentre::NotificationCentre(QDBusConnection bus, ActiveQuery isActive, QObject* parent)
-    : QObject(parent), bus_(std::move(bus)), isActive_(std::move(isActive)) {}
+    : QObject(parent), bus_(std::move(bus)), isActive_(std::move(isActive)) {
+    followActions();
+}
+
+// Matched on any sender, so that subscribing never waits on the bus for the service's owner:
+// the sender is compared with the service that answered each Notify instead.
+void NotificationCentre::followActions() {
+    if (!bus_.isConnected()) {
+        return;
+    }
+    const auto follow = [this](const char* name, const char* slot) {
+        bus_.connect({}, QString::fromLatin1(freedesktop::kPath),
+                     QString::fromLatin1(freedesktop::kInterface), QString::fromLatin1(name), this,
+                     slot);
+    };
+    follow("ActivationToken", SLOT(onActivationToken(uint, QString, QDBusMessage)));
+    follow("ActionInvoked", SLOT(onActionInvoked(uint, QString, QDBusMessage)));
+    follow("NotificationClosed", SLOT(onNotificationClosed(uint, uint, QDBusMessage)));
+}
 
 NotificationCentre::~NotificationCentre() {
     // The handler outlives the centre: it is promised one answer. While the application object
@@ -117,9 +140,48 @@ void NotificationCentre::add(const NotificationRequest& request) {
     if ((presentation & kShown) == 0) {
         return;
     }
-    // Fire and forget: a missing or hung server only costs a pending call until the timeout.
-    bus_.asyncCall(freedesktop::notifyMessage(request, (presentation & PresentationSound) != 0),
-                   static_cast<int>(kReplyTimeout.count()));
+    // Nothing waits for the answer: a missing or hung server only costs a pending call until
+    // the timeout. The answer, when it comes, names the notification a click will be about.
+    const QDBusPendingCall call =
+        bus_.asyncCall(freedesktop::notifyMessage(request, (presentation & PresentationSound) != 0),
+                       static_cast<int>(kReplyTimeout.count()));
+    auto* watcher = new QDBusPendingCallWatcher(call, this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this](QDBusPendingCallWatcher* done) {
+                done->deleteLater();
+                const QDBusMessage reply = done->reply();
+                if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
+                    return;
+                }
+                posted_.push_back({reply.service(), reply.arguments().constFirst().toUInt()});
+                if (posted_.size() > kPostedKept) {
+                    posted_.pop_front();
+                }
+            });
+}
+
+void NotificationCentre::onActivationToken(uint id, const QString& token,
+                                           const QDBusMessage& signal) {
+    tokenFor_ = {signal.service(), id};
+    token_ = token;
+}
+
+void NotificationCentre::onActionInvoked(uint id, const QString& action,
+                                         const QDBusMessage& signal) {
+    const Posted clicked{signal.service(), id};
+    if (action != QLatin1String(freedesktop::kDefaultAction) ||
+        std::find(posted_.begin(), posted_.end(), clicked) == posted_.end()) {
+        return;
+    }
+    // The service sends the click's token just before the click itself.
+    const QString token = tokenFor_ == clicked ? std::exchange(token_, QString()) : QString();
+    if (delegate_ != nullptr) {
+        delegate_->didActivateNotification(token);
+    }
+}
+
+void NotificationCentre::onNotificationClosed(uint id, uint, const QDBusMessage& signal) {
+    std::erase(posted_, Posted{signal.service(), id});
 }
 
 }  // namespace corvane::platform

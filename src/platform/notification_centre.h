@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QObject>
 #include <QString>
 #include <chrono>
+#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
@@ -40,6 +42,9 @@ class NotificationCentreDelegate {
     virtual ~NotificationCentreDelegate() = default;
     // Asked before each post while the application is active; answers presentation options.
     virtual unsigned willPresent(const NotificationRequest& request) = 0;
+    // The user clicked one of the application's notifications; `activationToken` is the token
+    // the service handed on with the click (empty when it has none).
+    virtual void didActivateNotification(const QString& activationToken) = 0;
 };
 
 // The desktop's notification service: org.freedesktop.Notifications on a D-Bus connection.
@@ -73,14 +78,32 @@ class NotificationCentre : public QObject {
     // delegate chooses the presentation; without banner or list nothing is posted.
     void add(const NotificationRequest& request);
 
+  private slots:
+    // Signals of whichever service holds the name; only those about this centre's own
+    // notifications count.
+    void onActivationToken(uint id, const QString& token, const QDBusMessage& signal);
+    void onActionInvoked(uint id, const QString& action, const QDBusMessage& signal);
+    void onNotificationClosed(uint id, uint reason, const QDBusMessage& signal);
+
   private:
+    // A notification as the service that showed it knows it: ids are per service instance.
+    struct Posted {
+        QString service;  // the unique name that answered Notify
+        uint id = 0;
+        bool operator==(const Posted&) const = default;
+    };
+
     void answerAuthorization(quint64 id, bool granted, std::optional<QString> error);
+    void followActions();
 
     QDBusConnection bus_;
     ActiveQuery isActive_;
     NotificationCentreDelegate* delegate_ = nullptr;
     quint64 nextAuthorization_ = 0;
     std::map<quint64, AuthorizationHandler> pendingAuthorizations_;
+    std::deque<Posted> posted_;  // the latest ones still shown, oldest first
+    Posted tokenFor_;
+    QString token_;
 };
 
 }  // namespace corvane::platform
