@@ -6,6 +6,7 @@
 
 #include "app/status_title.h"
 #include "app/tray_glyph_icon.h"
+#include "platform/window_activation.h"
 
 namespace corvane::app {
 
@@ -56,7 +57,7 @@ void AppDelegate::buildMenu() {
     menu_ = std::make_unique<QMenu>();
     QAction* open = menu_->addAction(QStringLiteral("Open App"));
     open->setShortcut(QKeySequence(Qt::SHIFT | Qt::CTRL | Qt::Key_O));
-    connect(open, &QAction::triggered, this, &AppDelegate::openApp);
+    connect(open, &QAction::triggered, this, [this] { openApp(); });
     menu_->addSeparator();
     QAction* quit = menu_->addAction(QStringLiteral("Quit"));
     quit->setShortcut(QKeySequence(Qt::SHIFT | Qt::CTRL | Qt::Key_Q));
@@ -75,18 +76,18 @@ void AppDelegate::createStatusItem() {
     statusItem_->show();
 }
 
-void AppDelegate::openApp() {
-    if (!window_) {
-        return;
+void AppDelegate::openApp(const QString& activationToken) {
+    if (window_) {
+        platform::bringToFront(*window_, activationToken);
     }
-    window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
-    window_->show();
-    window_->raise();
-    window_->activateWindow();
 }
 
 unsigned AppDelegate::willPresent(const platform::NotificationRequest&) {
     return platform::PresentationBanner | platform::PresentationSound;
+}
+
+void AppDelegate::didActivateNotification(const QString& activationToken) {
+    openApp(activationToken);
 }
 
 }  // namespace corvane::app

@@ -34,11 +34,14 @@ class AppDelegate : public QObject, public platform::NotificationCentreDelegate 
     void applicationDidFinishLaunching();
 
     // Brings the dashboard window to the front: shown again if it was closed, raised and
-    // activated. Never creates a window.
-    void openApp();
+    // activated, with the activation token of the launch or click that asked for it, if any.
+    // Never creates a window.
+    void openApp(const QString& activationToken = {});
 
     // Every alert is shown as a banner with its sound, also while the application is active.
     unsigned willPresent(const platform::NotificationRequest& request) override;
+    // A click on an alert opens the dashboard.
+    void didActivateNotification(const QString& activationToken) override;
 
   private:
     void buildMenu();

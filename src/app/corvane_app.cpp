@@ -2,6 +2,9 @@
 
 #include <QMetaObject>
 
+#include "app/desktop_start.h"
+#include "platform/application_id.h"
+
 namespace corvane::app {
 
 namespace {
@@ -10,8 +13,8 @@ namespace {
 // tray item's title on D-Bus, the window class on X11, the app id on Wayland).
 int& namedBeforeStart(int& argc) {
     QCoreApplication::setApplicationName(QStringLiteral("Corvane"));
-    QGuiApplication::setDesktopFileName(QStringLiteral("corvane"));
-    return argc;
+    QGuiApplication::setDesktopFileName(QString::fromLatin1(platform::kApplicationId));
+    return guardDesktopStart(argc);
 }
 
 }  // namespace
@@ -25,7 +28,16 @@ int CorvaneApp::main(int argc, char** argv) {
 
 CorvaneApp::CorvaneApp(int& argc, char** argv, MonitorFactory makeMonitor,
                        ShellFacilities facilities)
-    : application_(namedBeforeStart(argc), argv), appDelegate_(std::move(facilities)) {
+    : application_(namedBeforeStart(argc), argv), appDelegate_(facilities) {
+    desktopStarted();
+    // The one name request before the first frame: a second launch shows nothing of its own.
+    if (facilities.claimSession) {
+        handedOver_ = facilities.claimSession(
+            &appDelegate_, [this](const QString& token) { appDelegate_.openApp(token); });
+        if (handedOver_) {
+            return;
+        }
+    }
     window_ = std::make_unique<ui::ContentView>(makeMonitor());
     window_->resize(window_->sizeHint().expandedTo(QSize(500, 500)));
     appDelegate_.setWindow(window_.get());
@@ -39,7 +51,7 @@ CorvaneApp::CorvaneApp(int& argc, char** argv, MonitorFactory makeMonitor,
 CorvaneApp::~CorvaneApp() = default;
 
 int CorvaneApp::exec() {
-    return QApplication::exec();
+    return handedOver_ ? *handedOver_ : QApplication::exec();
 }
 
 }  // namespace corvane::app

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "app/app_delegate.h"
 #include "app/shell_facilities.h"
@@ -27,6 +28,8 @@ class CorvaneApp {
     CorvaneApp& operator=(const CorvaneApp&) = delete;
     ~CorvaneApp();
 
+    // Runs the application until "Quit"; at once, with its status, for a launch that found a
+    // Corvane already running.
     int exec();
 
     AppDelegate& appDelegate() { return appDelegate_; }
@@ -36,6 +39,7 @@ class CorvaneApp {
     QApplication application_;
     AppDelegate appDelegate_;
     std::unique_ptr<ui::ContentView> window_;
+    std::optional<int> handedOver_;
 };
 
 }  // namespace corvane::app

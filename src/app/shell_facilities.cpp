@@ -1,8 +1,11 @@
 #include "app/shell_facilities.h"
 
 #include <QDBusConnection>
+#include <cstdio>
 
 #include "app/standard_output.h"
+#include "platform/application_service.h"
+#include "platform/session_instance.h"
 #include "platform/tray_watcher.h"
 
 namespace corvane::app {
@@ -18,6 +21,22 @@ ShellFacilities desktopShellFacilities() {
                          std::move(changed));
     };
     facilities.printLine = &printLineToStandardOutput;
+    facilities.claimSession =
+        [](QObject* context, std::function<void(const QString&)> activate) -> std::optional<int> {
+        auto* service = new platform::ApplicationService(std::move(activate), context);
+        const platform::SessionClaim claim = platform::claimSession(
+            QDBusConnection::sessionBus(), service, platform::launchPlatformData());
+        switch (claim.outcome) {
+            case platform::SessionClaim::Outcome::Run:
+                return std::nullopt;
+            case platform::SessionClaim::Outcome::HandedOver:
+                return 0;
+            case platform::SessionClaim::Outcome::Unanswered:
+                break;
+        }
+        std::fprintf(stderr, "%s\n", qPrintable(claim.message));
+        return 1;
+    };
     return facilities;
 }
 

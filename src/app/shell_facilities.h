@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 #include <functional>
+#include <optional>
 #include <string_view>
 
 #include "platform/notification_centre.h"
@@ -19,6 +21,14 @@ struct ShellFacilities {
         watchSystemTray;
     // Where the one permission line goes; may be called from any thread.
     std::function<void(std::string_view)> printLine;
+    // Makes this process the desktop session's one Corvane, which `activate` then brings to
+    // the front, with the caller's activation token, whenever the desktop or a later launch
+    // asks, for as long as `context` lives. When a Corvane already runs, hands this launch's
+    // activation to it (or says on standard error why it could not) and returns the exit
+    // status this launch ends with; nothing when this process is to run. Unset: always runs.
+    std::function<std::optional<int>(QObject* context,
+                                     std::function<void(const QString& token)> activate)>
+        claimSession;
 };
 
 // The desktop's own facilities: the session bus's notification service and tray watcher (or

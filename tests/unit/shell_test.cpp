@@ -19,7 +19,8 @@ TEST(Shell, LaunchAsksPermissionAndMakesOneItemOnceATrayAppearsAndComesBack) {
     AppDelegate delegate(
         {[&] { return &centre; },
          [&](QObject*, std::function<void(bool)> changed) { trayChanged = changed; },
-         [&](std::string_view line) { lines.emplace_back(line); }});
+         [&](std::string_view line) { lines.emplace_back(line); },
+         {}});
     QApplication::setQuitOnLastWindowClosed(false);
     delegate.applicationDidFinishLaunching();
     EXPECT_EQ(centre.delegate(), &delegate);
