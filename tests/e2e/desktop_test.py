@@ -7,12 +7,13 @@ refuses root). Each step says what it proves; a failure names the step.
     desktop_test.py wayland APP FIXTURE   headless sway, waybar started after the app, dunst
     desktop_test.py x11 APP FIXTURE       Xvfb, a notification service that hangs, trayer later
 APP is the test build (corvane-test-app) that reads /proc and /sys below a copy of FIXTURE."""
-import json, os, re, shutil, subprocess, sys, tempfile, time
+import json, os, re, shutil, signal, subprocess, sys, tempfile, time
 from gi.repository import Gio, GLib
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 ITEM, MENU = "org.kde.StatusNotifierItem", "com.canonical.dbusmenu"
 NOTIFICATIONS = "org.freedesktop.Notifications"
+ID, ID_PATH = "io.github.corvane.Corvane", "/io/github/corvane/Corvane"
 
 
 def hung_service(bus):
@@ -60,20 +61,27 @@ class Desktop:
                                               stderr=subprocess.DEVNULL))
         return self.children[-1]
 
-    def launch(self, platform):
-        self.out, self.errors = (open(f"{self.home}/{name}", "w+") for name in ("out", "err"))
-        self.app = subprocess.Popen([self.binary, "--root", self.root], stdout=self.out, stderr=self.errors,
-                                    env={**os.environ, "QT_QPA_PLATFORM": platform,
-                                         "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
-                                         "LSAN_OPTIONS": f"suppressions={HERE}/lsan.supp:fast_unwind_on_malloc=0"})
-        self.children.append(self.app)
+    def launch(self, platform, name="app", **env):
+        out, errors = (open(f"{self.home}/{name}.{kind}", "w+") for kind in ("out", "err"))
+        app = subprocess.Popen([self.binary, "--root", self.root], stdout=out, stderr=errors,
+                               env={**os.environ, "QT_QPA_PLATFORM": platform, "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+                                    "LSAN_OPTIONS": f"suppressions={HERE}/lsan.supp:fast_unwind_on_malloc=0", **env})
+        app.out, app.errors = out, errors
+        self.children.append(app)
+        return app
+
+    def launch_again(self, platform, **env):
+        """A later launch of the same program: its exit status, standard output and error."""
+        app = self.launch(platform, "again", **env)
+        status = app.wait(20)
+        return status, app.out.seek(0) or app.out.read(), app.errors.seek(0) or app.errors.read()
 
     def set_cpu(self, percent):
         with open(f"{self.root}/proc/stat", "w") as stat:
             stat.write(f"cpu  {percent * 10} 0 0 {1000 - percent * 10}\n")
 
     def output(self):
-        return self.out.seek(0) or self.out.read()
+        return self.app.out.seek(0) or self.app.out.read()
 
     def call(self, service, path, interface, method, signature=None, *args):
         arguments = GLib.Variant(signature, args) if signature else None
@@ -131,7 +139,7 @@ def tray_area():
 
 def sway_windows(node=None):
     node = node or json.loads(run("swaymsg", "-t", "get_tree"))
-    return [node] * (node.get("app_id") == "corvane") + [
+    return [node] * (node.get("app_id") == ID) + [
         window for child in node["nodes"] + node["floating_nodes"] for window in sway_windows(child)]
 
 
@@ -145,7 +153,7 @@ def wayland(desktop):
     wait_for("dunst", lambda: desktop.has_owner(NOTIFICATIONS))
     posts = open(f"{desktop.home}/notify.log", "w+")
     desktop.start("dbus-monitor", f"interface='{NOTIFICATIONS}',member='Notify'", stdout=posts)
-    desktop.launch("wayland")
+    desktop.app = desktop.launch("wayland")
 
     step("the permission line, and first values that change with the next 2 s tick")
     wait_for("Notification granted", lambda: desktop.output() == "Notification granted\n")
@@ -176,8 +184,10 @@ def wayland(desktop):
     alerts = lambda: posts.seek(0) or posts.read().count("member=Notify")
     wait_for("the alert", lambda: alerts() == 1, 5)
     request = posts.seek(0) or posts.read()
-    assert re.search(r'"Corvane"\s+uint32 0\s+string "corvane"\s+string "High CPU Usage"\s+string '
-                     r'"CPU usage is at 90%."[\s\S]*"desktop-entry"[\s\S]*"message-new-instant"[\s\S]*int32 -1', request), request
+    assert re.search(r'"Corvane"\s+uint32 0\s+string "io.github.corvane.Corvane"\s+string "High CPU Usage"\s+string '
+                     r'"CPU usage is at 90%."\s+array \[\s+string "default"\s+string "Open App"\s+\]'
+                     r'[\s\S]*"desktop-entry"\s+variant\s+string "io.github.corvane.Corvane"'
+                     r'[\s\S]*"message-new-instant"[\s\S]*int32 -1', request), request
     dunst.terminate()
     time.sleep(3)
     desktop.start("dunst")
@@ -188,9 +198,11 @@ def wayland(desktop):
     wait_for("the next alert, ten seconds on, shown by the new dunst",
              lambda: alerts() == 2 and run("dunstctl", "count", "displayed").strip() == "1", 10)
 
-    step("closing the window leaves the item; Open App brings the one window back; Quit ends")
-    run("swaymsg", "[app_id=corvane] kill")
-    wait_for("the window closed", lambda: not sway_windows())
+    step("closing the window leaves the item; Open App brings the one window back")
+    def close():
+        run("swaymsg", f"[app_id={ID}] kill")
+        wait_for("the window closed", lambda: not sway_windows())
+    close()
     time.sleep(1)
     assert desktop.app.poll() is None and desktop.items() == item, "closing the window ended it"
     menu = desktop.prop(service, path, ITEM, "Menu")
@@ -207,20 +219,52 @@ def wayland(desktop):
     time.sleep(0.5)
     assert len(sway_windows()) == 1, "Open App made a second window"
     print("after Open App sway shows the window focused:", window[0]["focused"])
+
+    step("a second launch, Activate over D-Bus and a click on an alert bring the running one's window back")
+    close()
+    started = time.monotonic()
+    status, out, errors = desktop.launch_again("wayland", XDG_ACTIVATION_TOKEN="token-of-the-launcher")
+    wait_for("the window shown by the second launch", sway_windows)
+    print(f"window shown {1000 * (time.monotonic() - started):.0f} ms after the second launch")
+    assert (status, out, desktop.items(), len(sway_windows())) == (0, "", item, 1), (status, out, errors)
+    close()
+    desktop.call(ID, ID_PATH, "org.freedesktop.Application", "Activate", "(a{sv})", {})
+    wait_for("the window shown by Activate", sway_windows)
+    close()
+    for id in range(1, 4):  # another sender's signal about an id Corvane also has: not Corvane's alert
+        desktop.bus.emit_signal(None, "/org/freedesktop/Notifications", NOTIFICATIONS, "ActionInvoked",
+                                GLib.Variant("(us)", (id, "default")))
+    wait_for("an alert on screen", lambda: run("dunstctl", "count", "displayed").strip() not in ("", "0"), 12)
+    assert not sway_windows(), "another application's click opened the window"
+    run("dunstctl", "action", "0")
+    wait_for("the window shown by the click on the alert", sway_windows)
+    assert len(sway_windows()) == 1
+
     click("Quit")
     status = desktop.app.wait(30)
-    errors = desktop.errors.seek(0) or desktop.errors.read()
+    errors = desktop.app.errors.seek(0) or desktop.app.errors.read()
     assert status == 0 and not re.search(r"ERROR: \w+Sanitizer|runtime error:", errors), (status, errors)
 
 
 def x11(desktop):
+    step("no desktop to show on: one line on standard error, status 1, no name on the bus")
+    for display in ("", ":4242"):
+        status, out, errors = desktop.launch_again("xcb", DISPLAY=display)
+        assert (status, out, errors.count("\n"), desktop.has_owner(ID)) == (1, "", 1, False), (status, errors)
+        assert "DISPLAY" in errors and "graphical session" in errors, errors
     display = desktop.start("Xvfb", "-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp",
                             stdout=subprocess.PIPE)
     os.environ["DISPLAY"] = ":" + display.stdout.readline().decode().strip()
     # On a loaded machine the display was seen to refuse the first client just after announcing it.
     wait_for("the X display", lambda: subprocess.run(["xdpyinfo"], capture_output=True).returncode == 0)
     hung_service(desktop.bus)
-    desktop.launch("xcb")
+
+    step("two launches at the same instant leave one Corvane")
+    first, second = desktop.launch("xcb", "first"), desktop.launch("xcb", "second")
+    wait_for("one of the two gone", lambda: first.poll() is not None or second.poll() is not None)
+    time.sleep(1)
+    gone, desktop.app = (first, second) if first.poll() is not None else (second, first)
+    assert gone.returncode == 0 and desktop.app.poll() is None and not (gone.out.seek(0) or gone.out.read())
 
     step("what a screen reader finds, read while the notification service hangs")
     window, values, chart = screen_reader()
@@ -236,6 +280,12 @@ def x11(desktop):
     wait_for("the chart's description after a few ticks", lambda: re.fullmatch(
         r"[2-9] values, lowest 25\.00 %, highest 40\.00 %, latest 40\.00 %", chart.description), 5)
     wait_for("Notification denied at the reply timeout", lambda: desktop.output() == "Notification denied\n", 5)
+
+    step("a running Corvane that does not answer: the next launch says so and ends with status 1")
+    os.kill(desktop.app.pid, signal.SIGSTOP)
+    status, out, errors = desktop.launch_again("xcb")
+    os.kill(desktop.app.pid, signal.SIGCONT)
+    assert status == 1 and f"(process {desktop.app.pid})" in errors and not out, (status, errors)
 
     step("an X11 tray started after the application embeds the item")
     started = time.monotonic()
