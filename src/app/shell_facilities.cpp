@@ -21,11 +21,14 @@ ShellFacilities desktopShellFacilities() {
                          std::move(changed));
     };
     facilities.printLine = &printLineToStandardOutput;
+    // Read now, before the application object exists: Qt takes the startup id out of the
+    // environment as it connects to the display.
     facilities.claimSession =
-        [](QObject* context, std::function<void(const QString&)> activate) -> std::optional<int> {
+        [platformData = platform::launchPlatformData()](
+            QObject* context, std::function<void(const QString&)> activate) -> std::optional<int> {
         auto* service = new platform::ApplicationService(std::move(activate), context);
-        const platform::SessionClaim claim = platform::claimSession(
-            QDBusConnection::sessionBus(), service, platform::launchPlatformData());
+        const platform::SessionClaim claim =
+            platform::claimSession(QDBusConnection::sessionBus(), service, platformData);
         switch (claim.outcome) {
             case platform::SessionClaim::Outcome::Run:
                 return std::nullopt;

@@ -32,7 +32,8 @@ struct ShellFacilities {
 };
 
 // The desktop's own facilities: the session bus's notification service and tray watcher (or
-// X11 tray), and standard output.
+// X11 tray), and standard output. Made before the application object, since it keeps the
+// activation token the process was started with.
 ShellFacilities desktopShellFacilities();
 
 }  // namespace corvane::app

@@ -281,6 +281,11 @@ def x11(desktop):
         r"[2-9] values, lowest 25\.00 %, highest 40\.00 %, latest 40\.00 %", chart.description), 5)
     wait_for("Notification denied at the reply timeout", lambda: desktop.output() == "Notification denied\n", 5)
 
+    step("a second launch hands its startup id to the running one's window")
+    assert desktop.launch_again("xcb", DESKTOP_STARTUP_ID="second-launch_TIME42")[0] == 0
+    window = run("xdotool", "search", "--onlyvisible", "--class", "^Corvane$").split()[0]
+    wait_for("the startup id on the window", lambda: "second-launch_TIME42" in run("xprop", "-id", window, "_NET_STARTUP_ID"))
+
     step("a running Corvane that does not answer: the next launch says so and ends with status 1")
     os.kill(desktop.app.pid, signal.SIGSTOP)
     status, out, errors = desktop.launch_again("xcb")
