@@ -1,6 +1,5 @@
 #include "platform/session_instance.h"
 
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 
 #include "platform/application_id.h"
