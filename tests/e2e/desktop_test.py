@@ -58,12 +58,12 @@ class Desktop:
 
     def start(self, *command, stdout=subprocess.DEVNULL, **env):
         self.children.append(subprocess.Popen(command, env={**os.environ, **env}, stdout=stdout,
-                                              stderr=subprocess.DEVNULL))
+                                              stderr=subprocess.DEVNULL, process_group=0))
         return self.children[-1]
 
     def launch(self, platform, name="app", **env):
         out, errors = (open(f"{self.home}/{name}.{kind}", "w+") for kind in ("out", "err"))
-        app = subprocess.Popen([self.binary, "--root", self.root], stdout=out, stderr=errors,
+        app = subprocess.Popen([self.binary, "--root", self.root], stdout=out, stderr=errors, process_group=0,
                                env={**os.environ, "QT_QPA_PLATFORM": platform, "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
                                     "LSAN_OPTIONS": f"suppressions={HERE}/lsan.supp:fast_unwind_on_malloc=0", **env})
         app.out, app.errors = out, errors
@@ -306,6 +306,18 @@ def x11(desktop):
     assert desktop.app.wait(10) == 0, "closing the window after the tray ended did not end the application"
 
 
+def session(sid):
+    """The processes of session `sid` still alive (a zombie has ended: only its parent's wait is due)."""
+    def sid_of(pid):
+        try:
+            with open(f"/proc/{pid}/stat") as stat:
+                state, _, _, sid = stat.read().rsplit(")", 1)[1].split()[:4]
+                return int(sid) if state != "Z" else None
+        except (OSError, ValueError):
+            return None
+    return [int(pid) for pid in os.listdir("/proc") if pid.isdigit() and sid_of(pid) == sid]
+
+
 def main():
     scenario, binary, fixture, *home = sys.argv[1:]
     if not home:  # run again in a folder of its own, as nobody when this is root
@@ -316,17 +328,32 @@ def main():
             command[3:5] = shutil.copy(binary, f"{home}/app"), shutil.copytree(fixture, f"{home}/fixture")
             subprocess.run(["chown", "-R", "nobody:nogroup", home], check=True)
             command[:0] = ["setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups", "--"]
-        status = subprocess.run(command).returncode
-        shutil.rmtree(home, ignore_errors=True)
+        # A session of its own: whatever the desktop leaves behind, even a daemon that one of its
+        # programs started and that outlived it, is found by its session id and ended.
+        signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))  # ctest's or the user's: clean up too
+        signal.signal(signal.SIGHUP, lambda *_: sys.exit(129))
+        inner = subprocess.Popen(command, start_new_session=True)
+        try:
+            status = inner.wait()
+            if left := [run("ps", "-o", "pid=,args=", "-p", str(pid)).strip() for pid in session(inner.pid)]:
+                print("left running after the desktop ended:", *left, sep="\n  ")
+                status = status or 1
+        finally:
+            for pid in session(inner.pid):
+                os.kill(pid, signal.SIGKILL)
+            shutil.rmtree(home, ignore_errors=True)
         sys.exit(status)
     for name in ("DISPLAY", "WAYLAND_DISPLAY", "SWAYSOCK"):
         os.environ.pop(name, None)
     desktop = Desktop(home[0], binary, fixture)
     try:
         {"wayland": wayland, "x11": x11}[scenario](desktop)
-    finally:
+    finally:  # each program with whatever it started: its process group
         for child in reversed(desktop.children):
-            child.kill()
+            try:
+                os.killpg(child.pid, signal.SIGKILL)
+            except ProcessLookupError:
+                pass
             child.wait()
     print("ok")
 
