@@ -16,6 +16,8 @@ packages=(
     python3-pyatspi python3-gi
     # A passwd file of the tests' own, for the home lookup's long entries.
     libnss-wrapper
+    # The Debian package and the checks it passes.
+    dpkg-dev lintian appstream desktop-file-utils man-db
 )
 
 missing=()
