@@ -1,7 +1,7 @@
 # Two commands on a fresh Debian machine:
 #   make run    installs what is missing, builds and starts Corvane
 #   make test   installs what is missing, builds and runs the whole test suite
-.PHONY: run test deps build-release build-dev build-asan test-asan bench clean
+.PHONY: run test deb deps build-release build-dev build-asan test-asan bench clean
 
 deps:
 	@bash tools/install-deps.sh
@@ -27,6 +27,10 @@ test: build-dev
 
 test-asan: build-asan
 	dbus-run-session -- xvfb-run -a -s "-screen 0 1280x1024x24" ctest --preset asan
+
+# The Debian package of a release build, named by CPack: build/release/corvane_<v>_<arch>.deb
+deb: build-release
+	cd build/release && cpack -G DEB
 
 bench: build-release
 	@bash bench/run-all.sh build/release
