@@ -1,20 +1,21 @@
 # Two commands on a fresh Debian machine:
 #   make run    installs what is missing, builds and starts Corvane
 #   make test   installs what is missing, builds and runs the whole test suite
-.PHONY: run test deb deps build-release build-dev build-asan test-asan bench clean
+# Each installs only what it needs (the lists are in tools/install-deps.sh).
+.PHONY: run test deb test-asan bench clean build-release build-dev build-asan
 
-deps:
-	@bash tools/install-deps.sh
-
-build-release: deps
+build-release:
+	@bash tools/install-deps.sh run
 	cmake --preset release >/dev/null
 	cmake --build --preset release
 
-build-dev: deps
+build-dev:
+	@bash tools/install-deps.sh test
 	cmake --preset dev >/dev/null
 	cmake --build --preset dev
 
-build-asan: deps
+build-asan:
+	@bash tools/install-deps.sh test
 	cmake --preset asan >/dev/null
 	cmake --build --preset asan
 
@@ -30,9 +31,14 @@ test-asan: build-asan
 
 # The Debian package of a release build, named by CPack: build/release/corvane_<v>_<arch>.deb
 deb: build-release
+	@bash tools/install-deps.sh deb
+	cmake --preset release >/dev/null
 	cd build/release && cpack -G DEB
 
 bench: build-release
+	@bash tools/install-deps.sh test
+	cmake --preset release >/dev/null
+	cmake --build --preset release
 	@bash bench/run-all.sh build/release
 
 clean:
