@@ -245,7 +245,7 @@ class RecordingReporter : public benchmark::ConsoleReporter {
         for (const Run& run : runs) {
             const bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
             const bool single = run.run_type == Run::RT_Iteration && run.repetitions <= 1;
-            if ((median || single) && !run.error_occurred) {
+            if ((median || single) && !failed(run)) {
                 const double toNs = 1e9 / benchmark::GetTimeUnitMultiplier(run.time_unit);
                 times[run.run_name.function_name] = {run.GetAdjustedRealTime() * toNs,
                                                      run.GetAdjustedCPUTime() * toNs};
@@ -253,6 +253,18 @@ class RecordingReporter : public benchmark::ConsoleReporter {
         }
     }
     std::map<std::string, Times> times;
+
+  private:
+    // Google Benchmark 1.8 replaced the error flag with a skip reason (a template, so that only
+    // the branch of the installed version is compiled).
+    template <typename R>
+    static bool failed(const R& run) {
+        if constexpr (requires { run.skipped; }) {
+            return run.skipped != 0;
+        } else {
+            return run.error_occurred;
+        }
+    }
 };
 
 void printRatio(const std::map<std::string, RecordingReporter::Times>& times, const char* tick) {
