@@ -1,0 +1,85 @@
+#!/usr/bin/env bash
+# The README's two commands on a fresh Debian 13: a root made by debootstrap from Debian's own
+# packages, a clean clone of this repository's HEAD in it, `make` installed as the README says,
+# then `make run` (judged by its first line, then ended) and `make test`. One line per command;
+# the log of a command that failed follows its line. Needs root (debootstrap, chroot, mounts).
+#   tools/debian13-check.sh [extra make target ...]    e.g. test-asan
+# The fresh root and the packages it downloads are kept in $CORVANE_ROOTS (/var/cache/corvane)
+# for the next run on this machine, which starts from a copy of that root and downloads nothing.
+set -euo pipefail
+release=trixie
+cache="${CORVANE_ROOTS:-/var/cache/corvane}"
+fresh="$cache/$release"
+archives="$cache/$release-archives"
+repo="$(git -C "$(dirname "$0")" rev-parse --show-toplevel)"
+
+mkdir -p "$cache" "$archives"
+if [ ! -e "$fresh/.complete" ]; then
+    rm -rf "$fresh"
+    debootstrap --variant=minbase "$release" "$fresh" http://deb.debian.org/debian \
+        >"$cache/$release-debootstrap.log" 2>&1
+    touch "$fresh/.complete"
+fi
+
+work="$(mktemp -d /var/tmp/corvane-$release.XXXXXX)"
+root="$work/root"
+mounts=(proc sys dev dev/pts dev/shm var/cache/apt/archives)
+cleanup() {
+    [ -s "$work/run.pid" ] && kill -KILL -- "-$(cat "$work/run.pid")" 2>/dev/null
+    for ((i = ${#mounts[@]} - 1; i >= 0; i--)); do
+        umount -l "$root/${mounts[i]}" 2>/dev/null || true
+    done
+    rm -rf "$work"
+}
+trap cleanup EXIT
+cp -a "$fresh" "$root"
+for m in proc sys dev dev/pts dev/shm; do
+    mount --bind "/$m" "$root/$m"
+done
+mount --bind "$archives" "$root/var/cache/apt/archives"
+cp /etc/resolv.conf "$root/etc/resolv.conf"
+git clone -q "$repo" "$root/root/corvane"
+
+inside() {  # a login-like shell of the new machine's root, in the clone
+    chroot "$root" /usr/bin/env -i HOME=/root LANG=C.UTF-8 TERM=dumb \
+        PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
+        bash -c "cd /root/corvane && $1"
+}
+say() { printf 'debian13: %s\n' "$*"; }
+failed=0
+fail() {
+    say "$1: FAILED after $2 s"
+    tail -n 60 "$3" | sed 's/^/    /'
+    failed=1
+}
+
+inside "apt-get update -qq && DEBIAN_FRONTEND=noninteractive apt-get install -y -qq make >/dev/null"
+
+# make run never ends by itself: it counts as working once Corvane printed its permission line.
+start=$SECONDS
+log="$root/root/run.log"
+inside "setsid make run >/root/run.log 2>&1 </dev/null & echo \$! >/root/run.pid"
+cp "$root/root/run.pid" "$work/run.pid"
+line=
+while [ $((SECONDS - start)) -lt 1800 ] && kill -0 "$(cat "$work/run.pid")" 2>/dev/null; do
+    line="$(grep -E -m1 '^Notification (granted|denied)$' "$log" || true)"
+    [ -n "$line" ] && break
+    sleep 2
+done
+if [ -n "$line" ]; then
+    say "make run: ok, Corvane started and printed \"$line\" $((SECONDS - start)) s after the command"
+else
+    fail "make run" $((SECONDS - start)) "$log"
+fi
+kill -TERM -- "-$(cat "$work/run.pid")" 2>/dev/null || true
+sleep 2
+
+for target in test "$@"; do
+    start=$SECONDS
+    if inside "make $target" >"$work/$target.log" 2>&1; then
+        say "make $target: ok, $(grep -E -m1 'tests passed' "$work/$target.log"), $((SECONDS - start)) s"
+    else
+        fail "make $target" $((SECONDS - start)) "$work/$target.log"
+    fi
+done
+exit "$failed"
