@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
+#include <QDBusServiceWatcher>
 #include <QGuiApplication>
 #include <algorithm>
 #include <utility>
@@ -41,11 +42,33 @@ NotificationCentre::NotificationCentre(QDBusConnection bus, ActiveQuery isActive
 }
 
 // Matched on any sender, so that subscribing never waits on the bus for the service's owner:
-// the sender is compared with the service that answered each Notify instead.
+// the owner is followed apart, without waiting either, and compared with each signal's sender.
+// Notification ids are the owner's own: a new owner starts them afresh.
 void NotificationCentre::followActions() {
     if (!bus_.isConnected()) {
         return;
     }
+    const QString service = QString::fromLatin1(freedesktop::kService);
+    auto* watcher =
+        new QDBusServiceWatcher(service, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
+    connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString&, const QString&, const QString& owner) {
+                owner_ = owner;
+                posted_.clear();
+            });
+    QDBusMessage ask = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
+    ask << service;
+    auto* first = new QDBusPendingCallWatcher(bus_.asyncCall(ask), this);
+    connect(first, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* done) {
+        done->deleteLater();
+        const QDBusMessage reply = done->reply();
+        if (owner_.isEmpty() && reply.type() == QDBusMessage::ReplyMessage &&
+            !reply.arguments().isEmpty()) {
+            owner_ = reply.arguments().constFirst().toString();
+        }
+    });
     const auto follow = [this](const char* name, const char* slot) {
         bus_.connect({}, QString::fromLatin1(freedesktop::kPath),
                      QString::fromLatin1(freedesktop::kInterface), QString::fromLatin1(name), this,
@@ -153,7 +176,7 @@ void NotificationCentre::add(const NotificationRequest& request) {
                 if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
                     return;
                 }
-                posted_.push_back({reply.service(), reply.arguments().constFirst().toUInt()});
+                posted_.push_back(reply.arguments().constFirst().toUInt());
                 if (posted_.size() > kPostedKept) {
                     posted_.pop_front();
                 }
@@ -162,26 +185,29 @@ void NotificationCentre::add(const NotificationRequest& request) {
 
 void NotificationCentre::onActivationToken(uint id, const QString& token,
                                            const QDBusMessage& signal) {
-    tokenFor_ = {signal.service(), id};
-    token_ = token;
+    if (signal.service() == owner_) {
+        tokenFor_ = id;
+        token_ = token;
+    }
 }
 
 void NotificationCentre::onActionInvoked(uint id, const QString& action,
                                          const QDBusMessage& signal) {
-    const Posted clicked{signal.service(), id};
-    if (action != QLatin1String(freedesktop::kDefaultAction) ||
-        std::find(posted_.begin(), posted_.end(), clicked) == posted_.end()) {
+    if (signal.service() != owner_ || action != QLatin1String(freedesktop::kDefaultAction) ||
+        std::find(posted_.begin(), posted_.end(), id) == posted_.end()) {
         return;
     }
     // The service sends the click's token just before the click itself.
-    const QString token = tokenFor_ == clicked ? std::exchange(token_, QString()) : QString();
+    const QString token = tokenFor_ == id ? std::exchange(token_, QString()) : QString();
     if (delegate_ != nullptr) {
         delegate_->didActivateNotification(token);
     }
 }
 
 void NotificationCentre::onNotificationClosed(uint id, uint, const QDBusMessage& signal) {
-    std::erase(posted_, Posted{signal.service(), id});
+    if (signal.service() == owner_) {
+        std::erase(posted_, id);
+    }
 }
 
 }  // namespace corvane::platform

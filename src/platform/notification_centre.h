@@ -86,13 +86,6 @@ class NotificationCentre : public QObject {
     void onNotificationClosed(uint id, uint reason, const QDBusMessage& signal);
 
   private:
-    // A notification as the service that showed it knows it: ids are per service instance.
-    struct Posted {
-        QString service;  // the unique name that answered Notify
-        uint id = 0;
-        bool operator==(const Posted&) const = default;
-    };
-
     void answerAuthorization(quint64 id, bool granted, std::optional<QString> error);
     void followActions();
 
@@ -101,8 +94,9 @@ class NotificationCentre : public QObject {
     NotificationCentreDelegate* delegate_ = nullptr;
     quint64 nextAuthorization_ = 0;
     std::map<quint64, AuthorizationHandler> pendingAuthorizations_;
-    std::deque<Posted> posted_;  // the latest ones still shown, oldest first
-    Posted tokenFor_;
+    QString owner_;            // the unique name that holds the service now
+    std::deque<uint> posted_;  // the owner's ids of the latest ones still shown, oldest first
+    uint tokenFor_ = 0;
     QString token_;
 };
 
