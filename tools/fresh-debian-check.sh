@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
-# The README's two commands on a fresh Debian 13: a root made by debootstrap from Debian's own
+# The README's two commands on a fresh Debian: a root made by debootstrap from Debian's own
 # packages, a clean clone of this repository's HEAD in it, `make` installed as the README says,
 # then `make run` (judged by its first line, then ended) and `make test`. One line per command;
 # the log of a command that failed follows its line. Needs root (debootstrap, chroot, mounts).
-#   tools/debian13-check.sh [extra make target ...]    e.g. test-asan
+#   tools/fresh-debian-check.sh [RELEASE [extra make target ...]]
+#   RELEASE: trixie (Debian 13, the default) or bookworm (Debian 12); e.g. `trixie test-asan`
 # The fresh root and the packages it downloads are kept in $CORVANE_ROOTS (/var/cache/corvane)
 # for the next run on this machine, which starts from a copy of that root and downloads nothing.
 set -euo pipefail
-release=trixie
+release="${1:-trixie}"
+shift || true
 cache="${CORVANE_ROOTS:-/var/cache/corvane}"
 fresh="$cache/$release"
 archives="$cache/$release-archives"
@@ -45,7 +47,7 @@ inside() {  # a login-like shell of the new machine's root, in the clone
         PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
         bash -c "cd /root/corvane && $1"
 }
-say() { printf 'debian13: %s\n' "$*"; }
+say() { printf 'debian %s: %s\n' "$release" "$*"; }
 failed=0
 fail() {
     say "$1: FAILED after $2 s"
