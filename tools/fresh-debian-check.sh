@@ -26,12 +26,26 @@ fi
 work="$(mktemp -d /var/tmp/corvane-$release.XXXXXX)"
 root="$work/root"
 mounts=(proc sys dev dev/pts dev/shm var/cache/apt/archives)
-cleanup() {
-    [ -s "$work/run.pid" ] && kill -KILL -- "-$(cat "$work/run.pid")" 2>/dev/null
-    for ((i = ${#mounts[@]} - 1; i >= 0; i--)); do
-        umount -l "$root/${mounts[i]}" 2>/dev/null || true
+end_inside() {  # whatever still runs inside the new root, found by its root directory
+    for proc in /proc/[0-9]*; do
+        if [ "$(readlink "$proc/root" 2>/dev/null)" = "$root" ]; then
+            kill -KILL "${proc#/proc/}" 2>/dev/null || true
+        fi
     done
-    rm -rf "$work"
+    sleep 1
+}
+cleanup() {
+    set +e  # every step runs, whatever the one before did
+    end_inside
+    for ((i = ${#mounts[@]} - 1; i >= 0; i--)); do
+        umount "$root/${mounts[i]}" 2>/dev/null || umount -l "$root/${mounts[i]}" 2>/dev/null
+    done
+    # Never delete through a mount that is still there: /dev, /proc and the package cache.
+    if grep -q " $work/" /proc/mounts; then
+        echo "fresh-debian-check: $work is still mounted; left in place" >&2
+    else
+        rm -rf --one-file-system "$work"
+    fi
 }
 trap cleanup EXIT
 cp -a "$fresh" "$root"
@@ -73,8 +87,7 @@ if [ -n "$line" ]; then
 else
     fail "make run" $((SECONDS - start)) "$log"
 fi
-kill -TERM -- "-$(cat "$work/run.pid")" 2>/dev/null || true
-sleep 2
+end_inside  # Corvane, its Xvfb and its session bus
 
 for target in test "$@"; do
     start=$SECONDS
