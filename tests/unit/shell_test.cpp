@@ -6,6 +6,7 @@
 #include <QTest>
 
 #include "app/app_delegate.h"
+#include "app/desktop_start.h"
 #include "app/status_title.h"
 #include "app/tray_glyph_icon.h"
 
@@ -42,6 +43,24 @@ TEST(Shell, LaunchAsksPermissionAndMakesOneItemOnceATrayAppearsAndComesBack) {
     trayChanged(true);  // and started again: still the one item
     EXPECT_EQ(delegate.statusItem(), item);
     EXPECT_FALSE(QApplication::quitOnLastWindowClosed());
+
+    std::optional<bool> answered;  // a centre that goes first still answers, on the loop
+    platform::NotificationCentre(QDBusConnection(QStringLiteral("corvane-no-such-bus")))
+        .requestAuthorization(0, [&](bool granted, auto) { answered = granted; });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return answered.has_value(); }, 5000));
+    EXPECT_FALSE(*answered);
+}
+
+TEST(Shell, WhileTheDesktopStartsOnlyAFailedConnectionEndsTheLaunch) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");  // Qt's threads run beside this one
+    int argc = 0;
+    EXPECT_EXIT(
+        {
+            guardDesktopStart(argc);
+            qWarning("qt.qpa: a plugin fell back to another");
+            std::_Exit(0);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 TEST(Shell, TheGlyphFillsPartOfTheSquareAtEverySize) {
