@@ -11,7 +11,8 @@ namespace {
 const QString kBusService = QStringLiteral("org.freedesktop.DBus");
 const QString kBusPath = QStringLiteral("/org/freedesktop/DBus");
 
-// RequestName's flag and answers (D-Bus specification, "Message Bus Messages").
+// RequestName's flag and answers, as the bus daemon numbers them (DBUS_NAME_FLAG_DO_NOT_QUEUE,
+// DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER and _ALREADY_OWNER in dbus-shared.h).
 constexpr uint kDoNotQueue = 4;
 constexpr uint kPrimaryOwner = 1;
 constexpr uint kAlreadyOwner = 4;
