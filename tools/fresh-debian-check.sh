@@ -74,10 +74,10 @@ inside "apt-get update -qq && DEBIAN_FRONTEND=noninteractive apt-get install -y 
 # make run never ends by itself: it counts as working once Corvane printed its permission line.
 start=$SECONDS
 log="$root/root/run.log"
-inside "setsid make run >/root/run.log 2>&1 </dev/null & echo \$! >/root/run.pid"
-cp "$root/root/run.pid" "$work/run.pid"
+inside "make run >/root/run.log 2>&1 </dev/null & echo \$! >/root/run.pid"
+pid="$(cat "$root/root/run.pid")"  # the root shares this machine's process ids
 line=
-while [ $((SECONDS - start)) -lt 1800 ] && kill -0 "$(cat "$work/run.pid")" 2>/dev/null; do
+while [ $((SECONDS - start)) -lt 1800 ] && kill -0 "$pid" 2>/dev/null; do
     line="$(grep -E -m1 '^Notification (granted|denied)$' "$log" || true)"
     [ -n "$line" ] && break
     sleep 2
