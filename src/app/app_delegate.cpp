@@ -6,6 +6,7 @@
 
 #include "app/status_title.h"
 #include "app/tray_glyph_icon.h"
+#include "platform/application_id.h"
 #include "platform/window_activation.h"
 
 namespace corvane::app {
@@ -41,15 +42,22 @@ void AppDelegate::applicationDidFinishLaunching() {
         facilities_.printLine("Notification denied");
     }
     buildMenu();
+    // The title is the item's text where the panel draws one beside the icon (GNOME), and its
+    // tool tip and screen-reader name elsewhere; the glyph is its icon.
+    facilities_.exportStatusItem(
+        this,
+        {QString::fromLatin1(platform::kApplicationId), QStringLiteral("Corvane"),
+         QString::fromUtf8(kStatusTitle),
+         trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour),
+         platform::installedIconName(QString::fromLatin1(platform::kApplicationId))},
+        menu_.get(), [this](const QString& token) { openApp(token); });
     // While there is no tray, the window is the application: closing it quits, rather than
     // leaving a process nobody can reach. The desktop is watched for a tray all run long, since
     // a panel may well start after the application, or end and start again.
     QApplication::setQuitOnLastWindowClosed(true);
-    facilities_.watchSystemTray(this, [this](bool available) {
-        QApplication::setQuitOnLastWindowClosed(!available);
-        if (available) {
-            createStatusItem();
-        }
+    facilities_.watchSystemTray(this, [this](platform::SystemTray tray) {
+        QApplication::setQuitOnLastWindowClosed(tray == platform::SystemTray::None);
+        showXEmbedItem(tray == platform::SystemTray::XEmbed);
     });
 }
 
@@ -64,16 +72,18 @@ void AppDelegate::buildMenu() {
     connect(quit, &QAction::triggered, qApp, &QCoreApplication::quit);
 }
 
-// One item for the whole run: Qt registers it again with a panel that restarts.
-void AppDelegate::createStatusItem() {
-    if (statusItem_) {
-        return;
+// Made the first time it is needed, then shown and hidden: Qt docks it again in an X11 tray
+// that restarts.
+void AppDelegate::showXEmbedItem(bool shown) {
+    if (!xembedItem_ && shown) {
+        xembedItem_ = std::make_unique<QSystemTrayIcon>();
+        xembedItem_->setToolTip(QString::fromUtf8(kStatusTitle));
+        xembedItem_->setIcon(trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour));
+        xembedItem_->setContextMenu(menu_.get());
     }
-    statusItem_ = std::make_unique<QSystemTrayIcon>();
-    statusItem_->setToolTip(QString::fromUtf8(kStatusTitle));
-    statusItem_->setIcon(trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour));
-    statusItem_->setContextMenu(menu_.get());
-    statusItem_->show();
+    if (xembedItem_) {
+        xembedItem_->setVisible(shown);
+    }
 }
 
 void AppDelegate::openApp(const QString& activationToken) {

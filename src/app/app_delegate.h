@@ -22,9 +22,9 @@ class AppDelegate : public QObject, public platform::NotificationCentreDelegate 
     explicit AppDelegate(ShellFacilities facilities, QObject* parent = nullptr);
     ~AppDelegate() override;
 
-    // Null until the desktop has a tray (the launch hook starts watching for one); then the one
-    // tray item for the rest of the run, hidden by Qt while no tray shows it.
-    QSystemTrayIcon* statusItem() const { return statusItem_.get(); }
+    // The item in an X11 system tray: null until the desktop has one without a StatusNotifier
+    // watcher, then the one such item, shown while that is the desktop's tray.
+    QSystemTrayIcon* xembedItem() const { return xembedItem_.get(); }
     // The item's menu, built by the launch hook whether or not there is a tray.
     QMenu* statusMenu() const { return menu_.get(); }
 
@@ -45,14 +45,14 @@ class AppDelegate : public QObject, public platform::NotificationCentreDelegate 
 
   private:
     void buildMenu();
-    void createStatusItem();
+    void showXEmbedItem(bool shown);
 
     ShellFacilities facilities_;
     QPointer<platform::NotificationCentre> centre_;
     QPointer<QWidget> window_;
     // Declared before the item so that the item, which points at it, goes first.
     std::unique_ptr<QMenu> menu_;
-    std::unique_ptr<QSystemTrayIcon> statusItem_;
+    std::unique_ptr<QSystemTrayIcon> xembedItem_;
 };
 
 }  // namespace corvane::app

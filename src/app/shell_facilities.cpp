@@ -5,20 +5,35 @@
 
 #include "app/standard_output.h"
 #include "platform/application_service.h"
+#include "platform/dbus_menu.h"
 #include "platform/session_instance.h"
 #include "platform/tray_watcher.h"
 
 namespace corvane::app {
 
+namespace {
+
+// A panel answers in milliseconds; two seconds is a watcher that is stuck.
+constexpr std::chrono::milliseconds kPanelLimit{2000};
+
+}  // namespace
+
 ShellFacilities desktopShellFacilities() {
     ShellFacilities facilities;
     facilities.notificationCentre = &platform::NotificationCentre::current;
-    facilities.watchSystemTray = [](QObject* context, std::function<void(bool)> changed) {
-        // A panel answers in milliseconds; two seconds is a watcher that is stuck.
-        auto* watcher = new platform::TrayWatcher(QDBusConnection::sessionBus(),
-                                                  std::chrono::milliseconds(2000), context);
-        QObject::connect(watcher, &platform::TrayWatcher::trayAvailabilityChanged, context,
-                         std::move(changed));
+    facilities.watchSystemTray = [](QObject* context,
+                                    std::function<void(platform::SystemTray)> changed) {
+        auto* watcher =
+            new platform::TrayWatcher(QDBusConnection::sessionBus(), kPanelLimit, context);
+        QObject::connect(watcher, &platform::TrayWatcher::trayChanged, context, std::move(changed));
+    };
+    facilities.exportStatusItem = [](QObject* context, platform::StatusItemLook look, QMenu* menu,
+                                     std::function<void(const QString&)> activate) {
+        const QString menuPath = QStringLiteral("/MenuBar");
+        new platform::DBusMenu(QDBusConnection::sessionBus(), menuPath, menu, context);
+        new platform::StatusNotifierItem(QDBusConnection::sessionBus(), std::move(look),
+                                         QDBusObjectPath(menuPath), std::move(activate),
+                                         kPanelLimit, context);
     };
     facilities.printLine = &printLineToStandardOutput;
     // Read now, before the application object exists: Qt takes the startup id out of the

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMenu>
 #include <QObject>
 #include <QString>
 #include <functional>
@@ -7,6 +8,8 @@
 #include <string_view>
 
 #include "platform/notification_centre.h"
+#include "platform/status_notifier_item.h"
+#include "platform/tray_watcher.h"
 
 namespace corvane::app {
 
@@ -14,11 +17,17 @@ namespace corvane::app {
 struct ShellFacilities {
     // The notification service the delegate registers with and asks for permission.
     std::function<platform::NotificationCentre*()> notificationCentre;
-    // Calls `changed` on the thread of `context`, for as long as `context` lives, with true each
-    // time the desktop gains a tray that shows items (a StatusNotifier host or an X11 tray) and
-    // false when the last one goes. Must not wait on the bus.
-    std::function<void(QObject* context, std::function<void(bool available)> changed)>
+    // Calls `changed` on the thread of `context`, for as long as `context` lives, each time the
+    // desktop's tray changes: a StatusNotifier host came, an X11 tray without one, or none is
+    // left. Must not wait on the bus.
+    std::function<void(QObject* context, std::function<void(platform::SystemTray)> changed)>
         watchSystemTray;
+    // Offers the tray item `look` with `menu` to every StatusNotifier panel of the session, for
+    // as long as `context` lives; `activate` is a click on it where the panel opens no menu,
+    // with the click's activation token. Must not wait on the bus.
+    std::function<void(QObject* context, platform::StatusItemLook look, QMenu* menu,
+                       std::function<void(const QString& token)> activate)>
+        exportStatusItem;
     // Where the one permission line goes; may be called from any thread.
     std::function<void(std::string_view)> printLine;
     // Makes this process the desktop session's one Corvane, which `activate` then brings to

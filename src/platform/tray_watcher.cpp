@@ -59,7 +59,7 @@ void TrayWatcher::askForHost() {
             host_ = reply.value().variant().toBool() ? Host::Present : Host::Absent;
         } else {
             // Nobody owns the name: no watcher. Anything else (no reply in time, a broken
-            // watcher) would hang Qt's own blocking check.
+            // watcher) would hang the blocking check of Qt's XEmbed item.
             host_ = error == QDBusError::ServiceUnknown ? Host::Absent : Host::Stuck;
         }
         settle();
@@ -68,10 +68,12 @@ void TrayWatcher::askForHost() {
 
 // A stuck watcher is no tray: its panel shows nothing, and Qt's own check would block on it.
 void TrayWatcher::settle() {
-    const bool available = host_ == Host::Present || (host_ == Host::Absent && x11_->isOwned());
-    if (available != available_) {
-        available_ = available;
-        emit trayAvailabilityChanged(available);
+    const SystemTray tray = host_ == Host::Present                     ? SystemTray::StatusNotifier
+                            : host_ == Host::Absent && x11_->isOwned() ? SystemTray::XEmbed
+                                                                       : SystemTray::None;
+    if (tray != tray_) {
+        tray_ = tray;
+        emit trayChanged(tray);
     }
 }
 

@@ -8,25 +8,27 @@ namespace corvane::platform {
 
 class X11TraySelection;
 
+// Where the application's tray item goes: nowhere yet, to a StatusNotifier host over D-Bus, or
+// into an X11 system tray (XEmbed) on a desktop without a StatusNotifier watcher.
+enum class SystemTray { None, StatusNotifier, XEmbed };
+
 // Tells, for the whole run, when the desktop has a tray that can show an item: a StatusNotifier
 // host (the panels of KDE, Xfce, LXQt, waybar, GNOME's AppIndicator extension), or an X11 system
 // tray on a desktop without a StatusNotifier watcher. A panel started after the application, or
 // restarted, is seen when it appears. Nothing here waits on the bus.
 //
-// Qt decides once per process, with blocking calls, whether its tray items go over D-Bus: no
-// QSystemTrayIcon may be made (nor its availability asked) before this says so, or a panel
-// that comes later never gets the item.
+// Qt's own tray item, used for XEmbed, asks the watcher with blocking calls when it is made: it
+// may be made only once this says XEmbed, which it never says while a watcher is there.
 class TrayWatcher : public QObject {
     Q_OBJECT
   public:
-    // A watcher that has not answered within `timeout` counts as stuck: no item is made while
-    // it is, since Qt's own check would then block.
+    // A watcher that has not answered within `timeout` counts as stuck: it shows nothing, and
+    // no XEmbed item is made while it is there, since Qt's own check would then block.
     TrayWatcher(QDBusConnection bus, std::chrono::milliseconds timeout, QObject* parent = nullptr);
 
   signals:
-    // A tray came, or the last one went. One item is all it takes: Qt registers it again
-    // with a tray that comes back.
-    void trayAvailabilityChanged(bool available);
+    // A tray came, went, or another kind took over.
+    void trayChanged(corvane::platform::SystemTray tray);
 
   private slots:
     void askForHost();
@@ -39,7 +41,7 @@ class TrayWatcher : public QObject {
     std::chrono::milliseconds timeout_;
     Host host_ = Host::Unknown;
     quint64 question_ = 0;  // answers to older questions are stale
-    bool available_ = false;
+    SystemTray tray_ = SystemTray::None;
     X11TraySelection* x11_;
 };
 

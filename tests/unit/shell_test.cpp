@@ -13,35 +13,52 @@
 namespace corvane::app {
 namespace {
 
-TEST(Shell, LaunchAsksPermissionAndMakesOneItemOnceATrayAppearsAndComesBack) {
+TEST(Shell, LaunchAsksPermissionExportsTheItemAndFollowsTheTray) {
     platform::NotificationCentre centre(QDBusConnection(QStringLiteral("corvane-no-such-bus")));
-    std::function<void(bool)> trayChanged;
+    std::function<void(platform::SystemTray)> trayChanged;
     std::vector<std::string> lines;  // without a bus the answer comes from this thread's loop
-    AppDelegate delegate(
-        {[&] { return &centre; },
-         [&](QObject*, std::function<void(bool)> changed) { trayChanged = changed; },
-         [&](std::string_view line) { lines.emplace_back(line); },
-         {}});
+    std::optional<platform::StatusItemLook> exported;
+    std::function<void(const QString&)> click;
+    AppDelegate delegate({[&] { return &centre; },
+                          [&](QObject*, std::function<void(platform::SystemTray)> changed) {
+                              trayChanged = changed;
+                          },
+                          [&](QObject*, platform::StatusItemLook look, QMenu*,
+                              std::function<void(const QString&)> activate) {
+                              exported = look;
+                              click = activate;
+                          },
+                          [&](std::string_view line) { lines.emplace_back(line); },
+                          {}});
     QApplication::setQuitOnLastWindowClosed(false);
     delegate.applicationDidFinishLaunching();
     EXPECT_EQ(centre.delegate(), &delegate);
     EXPECT_EQ(delegate.willPresent({}), 18u) << "banner and sound";
-    EXPECT_EQ(delegate.statusItem(), nullptr);
+    ASSERT_TRUE(exported);
+    EXPECT_EQ(exported->text.toUtf8(), QByteArray(kStatusTitle));
+    QWidget window;
+    delegate.setWindow(&window);
+    click({});
+    EXPECT_TRUE(window.isVisible()) << "a click where the panel opens no menu is Open App";
+    EXPECT_EQ(delegate.xembedItem(), nullptr);
     EXPECT_TRUE(QApplication::quitOnLastWindowClosed()) << "without a tray the window is the app";
     EXPECT_TRUE(lines.empty()) << "the answer comes from the event loop";
     ASSERT_TRUE(QTest::qWaitFor([&] { return !lines.empty(); }, 5000));
     QTest::qWait(100);
     EXPECT_EQ(lines, std::vector<std::string>{"Notification denied"}) << "no bus, no service";
 
-    trayChanged(true);
-    QSystemTrayIcon* item = delegate.statusItem();
-    ASSERT_NE(item, nullptr);
-    EXPECT_EQ(item->toolTip().toUtf8(), QByteArray(kStatusTitle));
+    trayChanged(platform::SystemTray::StatusNotifier);
+    EXPECT_EQ(delegate.xembedItem(), nullptr) << "a StatusNotifier panel shows the exported item";
     EXPECT_FALSE(QApplication::quitOnLastWindowClosed()) << "the tray keeps the app";
-    trayChanged(false);  // the panel ended: the window is the app again
+    trayChanged(platform::SystemTray::XEmbed);
+    QSystemTrayIcon* item = delegate.xembedItem();
+    ASSERT_NE(item, nullptr);
+    EXPECT_TRUE(item->isVisible());
+    trayChanged(platform::SystemTray::None);  // the panel ended: the window is the app again
     EXPECT_TRUE(QApplication::quitOnLastWindowClosed());
-    trayChanged(true);  // and started again: still the one item
-    EXPECT_EQ(delegate.statusItem(), item);
+    EXPECT_FALSE(item->isVisible());
+    trayChanged(platform::SystemTray::XEmbed);  // and started again: still the one item
+    EXPECT_EQ(delegate.xembedItem(), item);
     EXPECT_FALSE(QApplication::quitOnLastWindowClosed());
 
     std::optional<bool> answered;  // a centre that goes first still answers, on the loop
