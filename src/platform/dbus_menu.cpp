@@ -90,8 +90,8 @@ uint DBusMenu::GetLayout(int parentId, int recursionDepth, const QStringList& pr
     return kRevision;
 }
 
-MenuItemPropertiesList DBusMenu::GetGroupProperties(const QList<int>& ids,
-                                                    const QStringList& propertyNames) {
+QList<MenuItemProperties> DBusMenu::GetGroupProperties(const QList<int>& ids,
+                                                       const QStringList& propertyNames) {
     MenuItemPropertiesList found;
     for (const int id : ids) {
         if (exists(id)) {
@@ -115,7 +115,7 @@ void DBusMenu::Event(int id, const QString& eventId, const QDBusVariant&, uint) 
     exists(id) ? click(id, eventId) : refuse(id);
 }
 
-QList<int> DBusMenu::EventGroup(const MenuEventList& events) {
+QList<int> DBusMenu::EventGroup(const QList<MenuEvent>& events) {
     QList<int> unknown;
     for (const MenuEvent& event : events) {
         exists(event.id) ? click(event.id, event.eventId) : unknown.append(event.id);

@@ -34,11 +34,11 @@ class DBusMenu : public QObject, protected QDBusContext {
   public slots:
     uint GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames,
                    corvane::platform::MenuLayoutItem& layout);
-    corvane::platform::MenuItemPropertiesList GetGroupProperties(const QList<int>& ids,
-                                                                 const QStringList& propertyNames);
+    QList<corvane::platform::MenuItemProperties> GetGroupProperties(
+        const QList<int>& ids, const QStringList& propertyNames);
     QDBusVariant GetProperty(int id, const QString& name);
     void Event(int id, const QString& eventId, const QDBusVariant& data, uint timestamp);
-    QList<int> EventGroup(const corvane::platform::MenuEventList& events);
+    QList<int> EventGroup(const QList<corvane::platform::MenuEvent>& events);
     bool AboutToShow(int id);
     QList<int> AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors);
 
