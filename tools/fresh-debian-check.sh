@@ -7,6 +7,8 @@
 #   RELEASE: trixie (Debian 13, the default) or bookworm (Debian 12); e.g. `trixie test-asan`
 # The fresh root and the packages it downloads are kept in $CORVANE_ROOTS (/var/cache/corvane)
 # for the next run on this machine, which starts from a copy of that root and downloads nothing.
+# Packages come from the first Debian archive this machine's apt sources name (a local mirror or
+# a caching proxy serves the new root too), through apt's own proxy if it has one.
 set -euo pipefail
 release="${1:-trixie}"
 shift || true
@@ -15,11 +17,25 @@ fresh="$cache/$release"
 archives="$cache/$release-archives"
 repo="$(git -C "$(dirname "$0")" rev-parse --show-toplevel)"
 
+sources=()
+for f in /etc/apt/sources.list /etc/apt/sources.list.d/*.list /etc/apt/sources.list.d/*.sources; do
+    [ -f "$f" ] && sources+=("$f")
+done
+# One-line "deb [options] URI suite..." and deb822 "URIs: URI...": the first archive named .../debian.
+mirror=$(awk '{ sub(/#.*/, ""); sub(/\[[^]]*\]/, "") }
+    $1 == "deb" || tolower($1) == "uris:" {
+        for (i = 2; i <= ($1 == "deb" ? 2 : NF); i++) if ($i ~ /\/debian\/?$/) { print $i; exit }
+    }' "${sources[@]}" </dev/null)
+mirror=${mirror:-http://deb.debian.org/debian}
+eval "$(apt-config shell http_proxy Acquire::http::Proxy)"
+if [ -n "${http_proxy:-}" ]; then
+    export http_proxy
+fi
+
 mkdir -p "$cache" "$archives"
 if [ ! -e "$fresh/.complete" ]; then
     rm -rf "$fresh"
-    debootstrap --variant=minbase "$release" "$fresh" http://deb.debian.org/debian \
-        >"$cache/$release-debootstrap.log" 2>&1
+    debootstrap --variant=minbase "$release" "$fresh" "$mirror" >"$cache/$release-debootstrap.log" 2>&1
     touch "$fresh/.complete"
 fi
 
@@ -54,6 +70,9 @@ for m in proc sys dev dev/pts dev/shm; do
 done
 mount --bind "$archives" "$root/var/cache/apt/archives"
 cp /etc/resolv.conf "$root/etc/resolv.conf"
+if [ -n "${http_proxy:-}" ]; then
+    echo "Acquire::http::Proxy \"$http_proxy\";" >"$root/etc/apt/apt.conf.d/01proxy"
+fi
 git clone -q "$repo" "$root/root/corvane"
 
 inside() {  # a login-like shell of the new machine's root, in the clone

@@ -1,10 +1,14 @@
 #!/usr/bin/env bash
-# Installs the Debian packages one kind of work needs, skipping those already present, on
-# Debian 12 or 13 alike. Uses sudo when not run as root. The lists below are the only ones.
+# Installs the Debian packages one kind of work needs, on Debian 12 or 13 alike. When all are
+# present it does nothing and asks for no privileges; otherwise it updates the package lists and
+# lets apt choose among alternatives (`apt-get satisfy`), with sudo when not run as root. It reads
+# only dpkg's status, never apt's translated output. The lists below are the only ones.
 #   install-deps.sh run    building and running Corvane (make run)
 #   install-deps.sh deb    ... and making its Debian package (make deb)
 #   install-deps.sh test   ... and the whole test suite and the benchmarks (make test, make bench)
 #   install-deps.sh fuzz   ... and clang with libFuzzer (fuzz/README.md)
+#   install-deps.sh ci     what CI needs beyond `make test`: the fresh Debian root's debootstrap
+# Each entry is a dependency as Debian writes one: "a | b" takes whichever apt offers first.
 set -euo pipefail
 
 run=(
@@ -26,55 +30,40 @@ test=(
     lintian appstream desktop-file-utils man-db
 )
 # Packages whose name changed between releases: the first one this machine's apt offers.
-fuzz=(clang "libclang-rt-dev|libclang-rt-14-dev")
+fuzz=(clang "libclang-rt-dev | libclang-rt-14-dev")
+ci=(debootstrap)
 
 case "${1:-}" in
     run) wanted=("${run[@]}") ;;
     deb) wanted=("${run[@]}" "${deb[@]}") ;;
     test) wanted=("${run[@]}" "${deb[@]}" "${test[@]}") ;;
     fuzz) wanted=("${run[@]}" "${fuzz[@]}") ;;
-    *) echo "usage: install-deps.sh run|deb|test|fuzz" >&2; exit 2 ;;
+    ci) wanted=("${ci[@]}") ;;
+    *) echo "usage: install-deps.sh run|deb|test|fuzz|ci" >&2; exit 2 ;;
 esac
 
 sudo=()
 if [ "$(id -u)" -ne 0 ]; then
     sudo=(sudo)
 fi
-installed() {
-    dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q "install ok installed"
-}
-offered() {
-    [ -n "$(apt-cache policy "$1" 2>/dev/null | awk '$1 == "Candidate:" && $2 != "(none)"')" ]
+installed() {  # any of the alternatives, by dpkg's untranslated status
+    local p status
+    for p in ${1//|/ }; do
+        status=$(dpkg-query -W -f='${Status},' "$p" 2>/dev/null) || true
+        [[ ",$status" == *",install ok installed,"* ]] && return 0
+    done
+    return 1
 }
 
 missing=()
-updated=
 for entry in "${wanted[@]}"; do
-    IFS='|' read -ra choices <<<"$entry"
-    chosen=
-    for p in "${choices[@]}"; do
-        if installed "$p"; then
-            chosen=present
-            break
-        fi
-    done
-    [ -n "$chosen" ] && continue
-    if [ -z "$updated" ]; then
-        "${sudo[@]}" apt-get update -qq
-        updated=1
-    fi
-    for p in "${choices[@]}"; do
-        if offered "$p"; then
-            chosen=$p
-            break
-        fi
-    done
-    missing+=("${chosen:-${choices[0]}}")
+    installed "$entry" || missing+=("$entry")
 done
-
 if ((${#missing[@]})); then
     echo "Installing: ${missing[*]}"
-    DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -qq --no-install-recommends \
+    "${sudo[@]}" apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get satisfy -y -qq --no-install-recommends \
+        -o DPkg::Lock::Timeout=600 \
         "${missing[@]}" >/dev/null
 fi
 

@@ -145,16 +145,31 @@ TEST(Shell, PanelCallsOnTheItemAndItsMenuTable) {
     }
 }
 
-TEST(Shell, WhileTheDesktopStartsOnlyAFailedConnectionEndsTheLaunch) {
+TEST(Shell, WhileTheDesktopStartsOnlyAFailureEndsTheLaunch) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");  // Qt's threads run beside this one
     int argc = 0;
     EXPECT_EXIT(
         {
             guardDesktopStart(argc);
             qWarning("qt.qpa: a plugin fell back to another");
-            std::_Exit(0);
+            qputenv("QT_QPA_PLATFORM", "wayand");
+            qFatal("Available platform plugins are: xcb.");
         },
-        ::testing::ExitedWithCode(0), "");
+        ::testing::ExitedWithCode(1), "corvane: QT_QPA_PLATFORM=wayand asks for");
+}
+
+TEST(Shell, AFailedStartSaysWhatIsWrong) {
+    for (const auto& c : testing::caseTable("start")) {
+        const std::string lines = startFailure({c[0], c[1], c[2]}, c[3]);
+        std::size_t at = 0;
+        for (auto part = c.fields.begin() + 4; part != c.fields.end(); ++part) {
+            const std::size_t end = lines.find('\n', at);
+            EXPECT_NE(lines.substr(at, end - at).find(*part), std::string::npos)
+                << c.where << lines;
+            at = end + 1;
+        }
+        EXPECT_EQ(at, lines.size()) << c.where << ": " << lines;
+    }
 }
 
 TEST(Shell, TheGlyphFillsPartOfTheSquareAtEverySize) {
