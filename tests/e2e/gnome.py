@@ -1,0 +1,116 @@
+"""GNOME Shell as Debian installs it with the AppIndicator extension, headless on the private
+session bus. What the user would see is read from the shell itself through org.gnome.Shell.Eval
+(allowed by --unsafe-mode), and the panel is clicked with the shell's own virtual pointer.
+
+    desktop_test.py gnome APP FIXTURE"""
+import json, os, threading, time
+from gi.repository import Gio, GLib
+from desktop_test import HERE, ID, NOTIFICATIONS, step, wait_for
+
+EXTENSION = "ubuntu-appindicators@ubuntu.com"
+LABEL = "\u26a1\ufe0e Monitoring..."
+# Names every expression may use: the panel's visible indicators, the texts below an actor,
+# Corvane's windows, and a click in an actor's middle.
+HELPERS = f"""const {{Clutter}} = imports.gi;
+const indicators = () => Object.entries(Main.panel.statusArea)
+    .filter(([key, actor]) => key.startsWith('appindicator-') && actor?.visible).map(([, actor]) => actor);
+const texts = a => (a instanceof Clutter.Text ? [a.text] : []).concat(a.get_children().flatMap(texts));
+const windows = () => global.display.list_all_windows().filter(w => w.get_wm_class() === '{ID}');
+const click = actor => {{
+    globalThis.testPointer ??= Clutter.get_default_backend().get_default_seat()
+        .create_virtual_device(Clutter.InputDeviceType.POINTER_DEVICE);
+    const [x, y] = actor.get_transformed_position(), [w, h] = actor.get_transformed_size();
+    testPointer.notify_absolute_motion(GLib.get_monotonic_time(), x + w / 2, y + h / 2);
+    for (const state of [Clutter.ButtonState.PRESSED, Clutter.ButtonState.RELEASED])
+        testPointer.notify_button(GLib.get_monotonic_time(), Clutter.BUTTON_PRIMARY, state);
+}};
+"""
+
+
+def display_manager(address):
+    """The system bus's display manager, as far as the shell asks it before it offers a lock screen."""
+    GLib.MainContext().push_thread_default()
+    bus = Gio.DBusConnection.new_for_address_sync(address, Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT |
+                                                  Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION)
+    node = Gio.DBusNodeInfo.new_for_xml("<node><interface name='org.gnome.DisplayManager.Manager'><property "
+                                        "name='Version' type='s' access='read'/><method name='RegisterSession'>"
+                                        "<arg type='a{sv}'/></method></interface></node>")
+    bus.register_object("/org/gnome/DisplayManager/Manager", node.interfaces[0],
+                        lambda *call: call[-1].return_value(None), lambda *_: GLib.Variant("s", "43.0"))
+    bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+                  GLib.Variant("(su)", ("org.gnome.DisplayManager", 0)), None, 0, -1)
+    GLib.MainLoop(GLib.MainContext.get_thread_default()).run()
+
+
+def gnome(desktop):
+    def shell(code):
+        ok, result = desktop.call("org.gnome.Shell", "/org/gnome/Shell", "org.gnome.Shell", "Eval", "(s)",
+                                  HELPERS + code)
+        assert ok, (code, result)
+        return json.loads(result or "null")
+
+    def indicator(label=LABEL):
+        """The one indicator in the panel, once it shows the label."""
+        wait_for(f"one indicator labelled {label!r}", lambda: shell("indicators().map(texts)") == [[label]], 10)
+
+    def menu(item=None):
+        """Opens the indicator's menu with a click: its items, or the item clicked in it."""
+        shell("click(indicators()[0])")
+        wait_for("the menu open", lambda: shell("indicators()[0].menu.isOpen"))
+        time.sleep(0.3)  # the menu takes no input while it opens
+        items = shell("indicators()[0].menu.box.get_children().flatMap(texts).filter(t => t)")
+        if item:
+            shell(f"click(indicators()[0].menu.box.get_children().find(c => texts(c).includes('{item}')))")
+        else:
+            shell("indicators()[0].menu.close()")
+        return items
+
+    home = desktop.home
+    os.environ.update(DBUS_SYSTEM_BUS_ADDRESS=f"unix:path={home}/system_bus", GSETTINGS_BACKEND="keyfile")
+    desktop.start("dbus-daemon", f"--config-file={HERE}/bus.conf", f"--address=unix:path={home}/system_bus", "--nofork")
+    wait_for("the stand-in system bus", lambda: os.path.exists(f"{home}/system_bus"))
+    threading.Thread(target=display_manager, args=(os.environ["DBUS_SYSTEM_BUS_ADDRESS"],), daemon=True).start()
+    os.makedirs(f"{home}/.config/glib-2.0/settings")
+    with open(f"{home}/.config/glib-2.0/settings/keyfile", "w") as settings:
+        settings.write(f"[org/gnome/shell]\nenabled-extensions=['{EXTENSION}']\ndisable-user-extensions=false\n")
+    started = time.monotonic()
+    gnome_shell = desktop.start("gnome-shell", "--headless", "--wayland", "--no-x11", "--virtual-monitor", "1280x800",
+                                "--unsafe-mode")
+    wait_for("the shell with the extension on", lambda: desktop.has_owner("org.kde.StatusNotifierWatcher"), 30)
+    print(f"shell ready {1000 * (time.monotonic() - started):.0f} ms after it started")
+    desktop.start("gjs", "/usr/share/gnome-shell/org.gnome.Shell.Notifications")
+    wait_for("the shell's notification service", lambda: desktop.has_owner(NOTIFICATIONS))
+    desktop.app = desktop.launch("wayland", WAYLAND_DISPLAY="wayland-0")
+
+    step("the panel holds Corvane's indicator with its label; its menu lists Open App and Quit")
+    wait_for("Notification granted", lambda: desktop.output() == "Notification granted\n")
+    wait_for("Corvane's window", lambda: shell("windows().length") == 1)
+    indicator()
+    items = menu()
+    assert items == ["Open App", "Quit"], items
+
+    step("the window closed as a user closes it: Open App brings it back")
+    shell("windows()[0].delete(global.get_current_time())")
+    wait_for("the window closed", lambda: shell("windows().length") == 0)
+    time.sleep(1)
+    assert desktop.app.poll() is None, "closing the window ended Corvane"
+    menu("Open App")
+    wait_for("the window shown again", lambda: shell("windows().length") == 1)
+
+    step("the indicator comes back with its label after the extension is turned off and on, and after a lock")
+    shell(f"Main.extensionManager.disableExtension('{EXTENSION}')")
+    wait_for("no indicator", lambda: shell("indicators().length") == 0)
+    shell(f"Main.extensionManager.enableExtension('{EXTENSION}')")
+    indicator()
+    shell("Main.screenShield.lock(false)")
+    wait_for("the screen locked, the indicator gone", lambda: shell("[Main.screenShield.locked, indicators().length]")
+             == [True, 0])
+    shell("Main.screenShield.deactivate(false)")
+    wait_for("the screen unlocked", lambda: not shell("Main.screenShield.locked"))
+    indicator()
+
+    step("Quit in the indicator's menu ends Corvane with status 0")
+    menu("Quit")
+    assert desktop.app.wait(10) == 0
+    shell("global.context.terminate()")
+    assert gnome_shell.wait(10) == 0
