@@ -9,16 +9,16 @@ from desktop_test import HERE, ID, NOTIFICATIONS, step, wait_for
 
 EXTENSION = "ubuntu-appindicators@ubuntu.com"
 LABEL = "\u26a1\ufe0e Monitoring..."
-# Names every expression may use: the panel's visible indicators, the texts below an actor,
+# Names every expression may use: the indicators laid out in the panel, the texts below an actor,
 # Corvane's windows, and a click in an actor's middle.
 HELPERS = f"""const {{Clutter}} = imports.gi;
-const indicators = () => Object.entries(Main.panel.statusArea)
-    .filter(([key, actor]) => key.startsWith('appindicator-') && actor?.visible).map(([, actor]) => actor);
+const indicators = () => Object.entries(Main.panel.statusArea).filter(([key, actor]) =>
+    key.startsWith('appindicator-') && actor?.visible && actor.has_allocation()).map(([, actor]) => actor);
 const texts = a => (a instanceof Clutter.Text ? [a.text] : []).concat(a.get_children().flatMap(texts));
 const windows = () => global.display.list_all_windows().filter(w => w.get_wm_class() === '{ID}');
+const seat = Clutter.get_default_backend().get_default_seat();
+globalThis.testPointer ??= seat.create_virtual_device(Clutter.InputDeviceType.POINTER_DEVICE);
 const click = actor => {{
-    globalThis.testPointer ??= Clutter.get_default_backend().get_default_seat()
-        .create_virtual_device(Clutter.InputDeviceType.POINTER_DEVICE);
     const [x, y] = actor.get_transformed_position(), [w, h] = actor.get_transformed_size();
     testPointer.notify_absolute_motion(GLib.get_monotonic_time(), x + w / 2, y + h / 2);
     for (const state of [Clutter.ButtonState.PRESSED, Clutter.ButtonState.RELEASED])
@@ -55,9 +55,11 @@ def gnome(desktop):
 
     def menu(item=None):
         """Opens the indicator's menu with a click: its items, or the item clicked in it."""
-        shell("click(indicators()[0])")
-        wait_for("the menu open", lambda: shell("indicators()[0].menu.isOpen"))
-        time.sleep(0.3)  # the menu takes no input while it opens
+        def opened():  # clicked again if the indicator was replaced meanwhile (an item registering again)
+            shell("indicators().length && click(indicators()[0])")
+            time.sleep(0.3)  # the menu takes no input while it opens
+            return shell("indicators()[0]?.menu.isOpen")
+        wait_for("the menu open", opened)
         items = shell("indicators()[0].menu.box.get_children().flatMap(texts).filter(t => t)")
         if item:
             shell(f"click(indicators()[0].menu.box.get_children().find(c => texts(c).includes('{item}')))")
@@ -67,7 +69,8 @@ def gnome(desktop):
 
     home = desktop.home
     os.environ.update(DBUS_SYSTEM_BUS_ADDRESS=f"unix:path={home}/system_bus", GSETTINGS_BACKEND="keyfile")
-    desktop.start("dbus-daemon", f"--config-file={HERE}/bus.conf", f"--address=unix:path={home}/system_bus", "--nofork")
+    desktop.start("dbus-daemon", f"--config-file={HERE}/bus.conf", f"--address={os.environ['DBUS_SYSTEM_BUS_ADDRESS']}",
+                  "--nofork")
     wait_for("the stand-in system bus", lambda: os.path.exists(f"{home}/system_bus"))
     threading.Thread(target=display_manager, args=(os.environ["DBUS_SYSTEM_BUS_ADDRESS"],), daemon=True).start()
     os.makedirs(f"{home}/.config/glib-2.0/settings")
@@ -76,7 +79,14 @@ def gnome(desktop):
     started = time.monotonic()
     gnome_shell = desktop.start("gnome-shell", "--headless", "--wayland", "--no-x11", "--virtual-monitor", "1280x800",
                                 "--unsafe-mode")
-    wait_for("the shell with the extension on", lambda: desktop.has_owner("org.kde.StatusNotifierWatcher"), 30)
+
+    def ready():  # the pointer takes events once the seat lists it (before, one crashed the shell)
+        try:
+            return shell("seat.list_devices().length && !Main.layoutManager._startingUp")
+        except GLib.Error:  # the shell's bus name comes before its objects
+            return False
+    wait_for("the shell started, with a pointer", ready, 30)
+    wait_for("the extension's watcher", lambda: desktop.has_owner("org.kde.StatusNotifierWatcher"))
     print(f"shell ready {1000 * (time.monotonic() - started):.0f} ms after it started")
     desktop.start("gjs", "/usr/share/gnome-shell/org.gnome.Shell.Notifications")
     wait_for("the shell's notification service", lambda: desktop.has_owner(NOTIFICATIONS))
