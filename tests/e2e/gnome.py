@@ -1,9 +1,7 @@
-"""GNOME Shell as Debian installs it with the AppIndicator extension, headless on the private
-session bus. What the user would see is read from the shell itself through org.gnome.Shell.Eval
-(allowed by --unsafe-mode), and the panel is clicked with the shell's own virtual pointer.
-
-    desktop_test.py gnome APP FIXTURE"""
-import json, os, threading, time
+"""GNOME Shell as Debian installs it with the AppIndicator extension, headless on the private session
+bus: what the user sees is read from the shell through org.gnome.Shell.Eval (--unsafe-mode allows
+it), and the panel is clicked with a virtual pointer of the shell's own.   desktop_test.py gnome APP FIXTURE"""
+import json, os, re, subprocess, threading, time
 from gi.repository import Gio, GLib
 from desktop_test import HERE, ID, NOTIFICATIONS, step, wait_for
 
@@ -28,17 +26,16 @@ const click = actor => {{
 
 
 def display_manager(address):
-    """The system bus's display manager, as far as the shell asks it before it offers a lock screen."""
+    """The system's display manager, as far as the shell asks it before it offers a lock screen."""
     GLib.MainContext().push_thread_default()
     bus = Gio.DBusConnection.new_for_address_sync(address, Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT |
                                                   Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION)
-    node = Gio.DBusNodeInfo.new_for_xml("<node><interface name='org.gnome.DisplayManager.Manager'><property "
-                                        "name='Version' type='s' access='read'/><method name='RegisterSession'>"
-                                        "<arg type='a{sv}'/></method></interface></node>")
+    node = Gio.DBusNodeInfo.new_for_xml("<node><interface name='org.gnome.DisplayManager.Manager'><property name="
+                                        "'Version' type='s' access='read'/><method name='RegisterSession'><arg "
+                                        "type='a{sv}'/></method></interface></node>")
     bus.register_object("/org/gnome/DisplayManager/Manager", node.interfaces[0],
                         lambda *call: call[-1].return_value(None), lambda *_: GLib.Variant("s", "43.0"))
-    bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
-                  GLib.Variant("(su)", ("org.gnome.DisplayManager", 0)), None, 0, -1)
+    Gio.bus_own_name_on_connection(bus, "org.gnome.DisplayManager", 0, None, None)
     GLib.MainLoop(GLib.MainContext.get_thread_default()).run()
 
 
@@ -49,33 +46,37 @@ def gnome(desktop):
         assert ok, (code, result)
         return json.loads(result or "null")
 
-    def indicator(label=LABEL):
-        """The one indicator in the panel, once it shows the label."""
-        wait_for(f"one indicator labelled {label!r}", lambda: shell("indicators().map(texts)") == [[label]], 10)
+    def indicator():
+        """The one indicator in the panel, once it shows the label; what the panel shows if it never does."""
+        try:
+            wait_for(f"one indicator labelled {LABEL!r}", lambda: shell("indicators().map(texts)") == [[LABEL]])
+        except AssertionError as error:
+            raise AssertionError(f"{error}; the panel shows {shell('indicators().map(texts)')}") from None
 
     def menu(item=None):
         """Opens the indicator's menu with a click: its items, or the item clicked in it."""
         def opened():  # clicked again if the indicator was replaced meanwhile (an item registering again)
             shell("indicators().length && click(indicators()[0])")
-            time.sleep(0.3)  # the menu takes no input while it opens
+            time.sleep(0.8)  # the extension waits out a double click, and the menu takes no input as it opens
             return shell("indicators()[0]?.menu.isOpen")
         wait_for("the menu open", opened)
         items = shell("indicators()[0].menu.box.get_children().flatMap(texts).filter(t => t)")
-        if item:
-            shell(f"click(indicators()[0].menu.box.get_children().find(c => texts(c).includes('{item}')))")
-        else:
-            shell("indicators()[0].menu.close()")
+        shell(f"click(indicators()[0].menu.box.get_children().find(c => texts(c).includes('{item}')))" if item
+              else "indicators()[0].menu.close()")
         return items
 
+    # Settings in a file of this desktop's own (no dconf service), and a system bus of its own where
+    # the shell asks for logind (absent) and the display manager.
     home = desktop.home
-    os.environ.update(DBUS_SYSTEM_BUS_ADDRESS=f"unix:path={home}/system_bus", GSETTINGS_BACKEND="keyfile")
-    desktop.start("dbus-daemon", f"--config-file={HERE}/bus.conf", f"--address={os.environ['DBUS_SYSTEM_BUS_ADDRESS']}",
-                  "--nofork")
-    wait_for("the stand-in system bus", lambda: os.path.exists(f"{home}/system_bus"))
-    threading.Thread(target=display_manager, args=(os.environ["DBUS_SYSTEM_BUS_ADDRESS"],), daemon=True).start()
-    os.makedirs(f"{home}/.config/glib-2.0/settings")
-    with open(f"{home}/.config/glib-2.0/settings/keyfile", "w") as settings:
+    os.environ.update(XDG_CONFIG_HOME=f"{home}/config", XDG_DATA_HOME=f"{home}/data", XDG_CACHE_HOME=f"{home}/cache",
+                      GSETTINGS_BACKEND="keyfile")
+    os.makedirs(f"{home}/config/glib-2.0/settings")
+    with open(f"{home}/config/glib-2.0/settings/keyfile", "w") as settings:
         settings.write(f"[org/gnome/shell]\nenabled-extensions=['{EXTENSION}']\ndisable-user-extensions=false\n")
+    system_bus = desktop.start("dbus-daemon", f"--config-file={HERE}/bus.conf", "--nofork", "--print-address",
+                               f"--address=unix:path={home}/system_bus", stdout=subprocess.PIPE)
+    os.environ["DBUS_SYSTEM_BUS_ADDRESS"] = system_bus.stdout.readline().decode().strip()  # once it listens
+    threading.Thread(target=display_manager, args=(os.environ["DBUS_SYSTEM_BUS_ADDRESS"],), daemon=True).start()
     started = time.monotonic()
     gnome_shell = desktop.start("gnome-shell", "--headless", "--wayland", "--no-x11", "--virtual-monitor", "1280x800",
                                 "--unsafe-mode")
@@ -88,7 +89,8 @@ def gnome(desktop):
     wait_for("the shell started, with a pointer", ready, 30)
     wait_for("the extension's watcher", lambda: desktop.has_owner("org.kde.StatusNotifierWatcher"))
     print(f"shell ready {1000 * (time.monotonic() - started):.0f} ms after it started")
-    desktop.start("gjs", "/usr/share/gnome-shell/org.gnome.Shell.Notifications")
+    with open("/usr/share/dbus-1/services/org.gnome.Shell.Notifications.service") as service:  # as the bus would
+        desktop.start(*re.search(r"Exec=(.*)", service.read())[1].split())
     wait_for("the shell's notification service", lambda: desktop.has_owner(NOTIFICATIONS))
     desktop.app = desktop.launch("wayland", WAYLAND_DISPLAY="wayland-0")
 
@@ -112,15 +114,14 @@ def gnome(desktop):
     wait_for("no indicator", lambda: shell("indicators().length") == 0)
     shell(f"Main.extensionManager.enableExtension('{EXTENSION}')")
     indicator()
-    shell("Main.screenShield.lock(false)")
-    wait_for("the screen locked, the indicator gone", lambda: shell("[Main.screenShield.locked, indicators().length]")
-             == [True, 0])
+    shell("Main.screenShield.lock(false)")  # the lock screen turns the extension off, unlocking on again
+    wait_for("locked, no indicator", lambda: shell("[Main.screenShield.locked, indicators().length]") == [True, 0])
     shell("Main.screenShield.deactivate(false)")
-    wait_for("the screen unlocked", lambda: not shell("Main.screenShield.locked"))
+    wait_for("unlocked", lambda: not shell("Main.screenShield.locked"))
     indicator()
 
-    step("Quit in the indicator's menu ends Corvane with status 0")
+    step("Quit in the indicator's menu ends Corvane with status 0; the shell ends through Eval")
     menu("Quit")
     assert desktop.app.wait(10) == 0
-    shell("global.context.terminate()")
+    shell("global.context.terminate()")  # SIGTERM would crash it
     assert gnome_shell.wait(10) == 0
