@@ -7,8 +7,7 @@ from desktop_test import HERE, ID, NOTIFICATIONS, step, wait_for
 
 EXTENSION = "ubuntu-appindicators@ubuntu.com"
 LABEL = "\u26a1\ufe0e Monitoring..."
-# Names every expression may use: the indicators laid out in the panel, the texts below an actor,
-# Corvane's windows, and a click in an actor's middle.
+# What every expression may use: the indicators laid out in the panel, the texts below an actor, Corvane's windows.
 HELPERS = f"""const {{Clutter}} = imports.gi;
 const indicators = () => Object.entries(Main.panel.statusArea).filter(([key, actor]) =>
     key.startsWith('appindicator-') && actor?.visible && actor.has_allocation()).map(([, actor]) => actor);
@@ -30,19 +29,16 @@ def display_manager(address):
     GLib.MainContext().push_thread_default()
     bus = Gio.DBusConnection.new_for_address_sync(address, Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT |
                                                   Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION)
-    node = Gio.DBusNodeInfo.new_for_xml("<node><interface name='org.gnome.DisplayManager.Manager'><property name="
-                                        "'Version' type='s' access='read'/><method name='RegisterSession'><arg "
-                                        "type='a{sv}'/></method></interface></node>")
-    bus.register_object("/org/gnome/DisplayManager/Manager", node.interfaces[0],
-                        lambda *call: call[-1].return_value(None), lambda *_: GLib.Variant("s", "43.0"))
+    manager = Gio.DBusNodeInfo.new_for_xml("<node><interface name='org.gnome.DisplayManager.Manager'><property "
+                                           "name='Version' type='s' access='read'/></interface></node>").interfaces[0]
+    bus.register_object("/org/gnome/DisplayManager/Manager", manager, None, lambda *_: GLib.Variant("s", "43.0"))
     Gio.bus_own_name_on_connection(bus, "org.gnome.DisplayManager", 0, None, None)
     GLib.MainLoop(GLib.MainContext.get_thread_default()).run()
 
 
 def gnome(desktop):
     def shell(code):
-        ok, result = desktop.call("org.gnome.Shell", "/org/gnome/Shell", "org.gnome.Shell", "Eval", "(s)",
-                                  HELPERS + code)
+        ok, result = desktop.call("org.gnome.Shell", "/org/gnome/Shell", "org.gnome.Shell", "Eval", "(s)", HELPERS+code)
         assert ok, (code, result)
         return json.loads(result or "null")
 
