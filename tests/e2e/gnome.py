@@ -1,6 +1,6 @@
-"""GNOME Shell as Debian installs it with the AppIndicator extension, headless on the private session
-bus: what the user sees is read from the shell through org.gnome.Shell.Eval (--unsafe-mode allows
-it), and the panel is clicked with a virtual pointer of the shell's own.   desktop_test.py gnome APP FIXTURE"""
+"""desktop_test.py gnome APP FIXTURE: GNOME Shell as Debian installs it with the AppIndicator extension,
+headless on the private session bus. What the user sees is read from the shell through its Eval method
+(--unsafe-mode allows it), and the panel is clicked with a virtual pointer of the shell's own."""
 import json, os, re, subprocess, threading, time
 from gi.repository import Gio, GLib
 from desktop_test import HERE, ID, NOTIFICATIONS, step, wait_for
