@@ -6,6 +6,7 @@ refuses root). Each step says what it proves; a failure names the step.
 
     desktop_test.py wayland APP FIXTURE   headless sway, waybar started after the app, dunst
     desktop_test.py x11 APP FIXTURE       Xvfb, a notification service that hangs, trayer later
+    desktop_test.py gnome APP FIXTURE     headless GNOME Shell with its AppIndicator extension (gnome.py)
 APP is the test build (corvane-test-app) that reads /proc and /sys below a copy of FIXTURE."""
 import json, os, re, shutil, signal, subprocess, sys, tempfile, time
 from gi.repository import Gio, GLib
@@ -347,7 +348,8 @@ def main():
         os.environ.pop(name, None)
     desktop = Desktop(home[0], binary, fixture)
     try:
-        {"wayland": wayland, "x11": x11}[scenario](desktop)
+        import gnome
+        {"wayland": wayland, "x11": x11, "gnome": gnome.gnome}[scenario](desktop)
     finally:  # each program with whatever it started: its process group
         for child in reversed(desktop.children):
             try:

@@ -1,0 +1,123 @@
+"""desktop_test.py gnome APP FIXTURE: GNOME Shell as Debian installs it with the AppIndicator extension,
+headless on the private session bus. What the user sees is read from the shell through its Eval method
+(--unsafe-mode allows it), and the panel is clicked with a virtual pointer of the shell's own."""
+import json, os, re, subprocess, threading, time
+from gi.repository import Gio, GLib
+from desktop_test import HERE, ID, NOTIFICATIONS, step, wait_for
+
+EXTENSION = "ubuntu-appindicators@ubuntu.com"
+LABEL = "\u26a1\ufe0e Monitoring..."
+# What every expression may use: the indicators laid out in the panel, the texts below an actor, Corvane's windows.
+HELPERS = f"""const {{Clutter}} = imports.gi;
+const indicators = () => Object.entries(Main.panel.statusArea).filter(([key, actor]) =>
+    key.startsWith('appindicator-') && actor?.visible && actor.has_allocation()).map(([, actor]) => actor);
+const texts = a => (a instanceof Clutter.Text ? [a.text] : []).concat(a.get_children().flatMap(texts));
+const windows = () => global.display.list_all_windows().filter(w => w.get_wm_class() === '{ID}');
+const seat = Clutter.get_default_backend().get_default_seat();
+globalThis.testPointer ??= seat.create_virtual_device(Clutter.InputDeviceType.POINTER_DEVICE);
+const click = actor => {{
+    const [x, y] = actor.get_transformed_position(), [w, h] = actor.get_transformed_size();
+    testPointer.notify_absolute_motion(GLib.get_monotonic_time(), x + w / 2, y + h / 2);
+    for (const state of [Clutter.ButtonState.PRESSED, Clutter.ButtonState.RELEASED])
+        testPointer.notify_button(GLib.get_monotonic_time(), Clutter.BUTTON_PRIMARY, state);
+}};
+"""
+
+
+def display_manager(address):
+    """The system's display manager, as far as the shell asks it before it offers a lock screen."""
+    GLib.MainContext().push_thread_default()
+    bus = Gio.DBusConnection.new_for_address_sync(address, Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT |
+                                                  Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION)
+    manager = Gio.DBusNodeInfo.new_for_xml("<node><interface name='org.gnome.DisplayManager.Manager'><property "
+                                           "name='Version' type='s' access='read'/></interface></node>").interfaces[0]
+    bus.register_object("/org/gnome/DisplayManager/Manager", manager, None, lambda *_: GLib.Variant("s", "43.0"))
+    Gio.bus_own_name_on_connection(bus, "org.gnome.DisplayManager", 0, None, None)
+    GLib.MainLoop(GLib.MainContext.get_thread_default()).run()
+
+
+def gnome(desktop):
+    def shell(code):
+        ok, result = desktop.call("org.gnome.Shell", "/org/gnome/Shell", "org.gnome.Shell", "Eval", "(s)", HELPERS+code)
+        assert ok, (code, result)
+        return json.loads(result or "null")
+
+    def indicator():
+        """The one indicator in the panel, once it shows the label; what the panel shows if it never does."""
+        try:
+            wait_for(f"one indicator labelled {LABEL!r}", lambda: shell("indicators().map(texts)") == [[LABEL]])
+        except AssertionError as error:
+            raise AssertionError(f"{error}; the panel shows {shell('indicators().map(texts)')}") from None
+
+    def menu(item=None):
+        """Opens the indicator's menu with a click: its items, or the item clicked in it."""
+        def opened():  # clicked again if the indicator was replaced meanwhile (an item registering again)
+            shell("indicators().length && click(indicators()[0])")
+            time.sleep(0.8)  # the extension waits out a double click, and the menu takes no input as it opens
+            return shell("indicators()[0]?.menu.isOpen")
+        wait_for("the menu open", opened)
+        items = shell("indicators()[0].menu.box.get_children().flatMap(texts).filter(t => t)")
+        shell(f"click(indicators()[0].menu.box.get_children().find(c => texts(c).includes('{item}')))" if item
+              else "indicators()[0].menu.close()")
+        return items
+
+    # Settings in a file of this desktop's own (no dconf service), and a system bus of its own where
+    # the shell asks for logind (absent) and the display manager.
+    home = desktop.home
+    os.environ.update(XDG_CONFIG_HOME=f"{home}/config", XDG_DATA_HOME=f"{home}/data", XDG_CACHE_HOME=f"{home}/cache",
+                      GSETTINGS_BACKEND="keyfile")
+    os.makedirs(f"{home}/config/glib-2.0/settings")
+    with open(f"{home}/config/glib-2.0/settings/keyfile", "w") as settings:
+        settings.write(f"[org/gnome/shell]\nenabled-extensions=['{EXTENSION}']\ndisable-user-extensions=false\n")
+    system_bus = desktop.start("dbus-daemon", f"--config-file={HERE}/bus.conf", "--nofork", "--print-address",
+                               f"--address=unix:path={home}/system_bus", stdout=subprocess.PIPE)
+    os.environ["DBUS_SYSTEM_BUS_ADDRESS"] = system_bus.stdout.readline().decode().strip()  # once it listens
+    threading.Thread(target=display_manager, args=(os.environ["DBUS_SYSTEM_BUS_ADDRESS"],), daemon=True).start()
+    started = time.monotonic()
+    gnome_shell = desktop.start("gnome-shell", "--headless", "--wayland", "--no-x11", "--virtual-monitor", "1280x800",
+                                "--unsafe-mode")
+
+    def ready():  # the pointer takes events once the seat lists it (before, one crashed the shell)
+        try:
+            return shell("seat.list_devices().length && !Main.layoutManager._startingUp")
+        except GLib.Error:  # the shell's bus name comes before its objects
+            return False
+    wait_for("the shell started, with a pointer", ready, 30)
+    wait_for("the extension's watcher", lambda: desktop.has_owner("org.kde.StatusNotifierWatcher"))
+    print(f"shell ready {1000 * (time.monotonic() - started):.0f} ms after it started")
+    with open("/usr/share/dbus-1/services/org.gnome.Shell.Notifications.service") as service:  # as the bus would
+        desktop.start(*re.search(r"Exec=(.*)", service.read())[1].split())
+    wait_for("the shell's notification service", lambda: desktop.has_owner(NOTIFICATIONS))
+    desktop.app = desktop.launch("wayland", WAYLAND_DISPLAY="wayland-0")
+
+    step("the panel holds Corvane's indicator with its label; its menu lists Open App and Quit")
+    wait_for("Notification granted", lambda: desktop.output() == "Notification granted\n")
+    wait_for("Corvane's window", lambda: shell("windows().length") == 1)
+    indicator()
+    items = menu()
+    assert items == ["Open App", "Quit"], items
+
+    step("the window closed as a user closes it: Open App brings it back")
+    shell("windows()[0].delete(global.get_current_time())")
+    wait_for("the window closed", lambda: shell("windows().length") == 0)
+    time.sleep(1)
+    assert desktop.app.poll() is None, "closing the window ended Corvane"
+    menu("Open App")
+    wait_for("the window shown again", lambda: shell("windows().length") == 1)
+
+    step("the indicator comes back with its label after the extension is turned off and on, and after a lock")
+    shell(f"Main.extensionManager.disableExtension('{EXTENSION}')")
+    wait_for("no indicator", lambda: shell("indicators().length") == 0)
+    shell(f"Main.extensionManager.enableExtension('{EXTENSION}')")
+    indicator()
+    shell("Main.screenShield.lock(false)")  # the lock screen turns the extension off, unlocking on again
+    wait_for("locked, no indicator", lambda: shell("[Main.screenShield.locked, indicators().length]") == [True, 0])
+    shell("Main.screenShield.deactivate(false)")
+    wait_for("unlocked", lambda: not shell("Main.screenShield.locked"))
+    indicator()
+
+    step("Quit in the indicator's menu ends Corvane with status 0; the shell ends through Eval")
+    menu("Quit")
+    assert desktop.app.wait(10) == 0
+    shell("global.context.terminate()")  # SIGTERM would crash it
+    assert gnome_shell.wait(10) == 0
