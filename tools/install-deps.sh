@@ -21,9 +21,10 @@ deb=(dpkg-dev)
 test=(
     libgtest-dev libgmock-dev libbenchmark-dev locales
     # The desktops the end-to-end tests run the application on: a Wayland compositor with a
-    # panel, an X11 tray, a notification service, screenshots and the screen readers' bus.
+    # panel, an X11 tray, a notification service, screenshots and the screen readers' bus; and
+    # GNOME Shell with its AppIndicator extension, the panel that draws the item's label.
     sway waybar grim trayer x11-utils xdotool python3-xlib dunst at-spi2-core
-    python3-pyatspi python3-gi
+    python3-pyatspi python3-gi gnome-shell gnome-shell-extension-appindicator gjs
     # A passwd file of the tests' own, for the home lookup's long entries.
     libnss-wrapper
     # The checks the Debian package passes.

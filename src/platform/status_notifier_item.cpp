@@ -5,6 +5,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 #include <QStandardPaths>
+#include <QTimer>
 #include <utility>
 
 namespace corvane::platform {
@@ -14,6 +15,8 @@ namespace {
 const QString kWatcher = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
 const QString kItemPath = QStringLiteral("/StatusNotifierItem");
+// Long enough for a host to have read the item after the first registration.
+constexpr std::chrono::milliseconds kFollowUp{1000};
 
 }  // namespace
 
@@ -44,28 +47,33 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, StatusItemLook look,
     connect(names, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString&, const QString& owner) {
                 if (!owner.isEmpty()) {
-                    registerWithWatcher();
+                    registerWithWatcher(true);
                 }
             });
     // No sender named: subscribing needs no name lookup on the bus.
     bus_.connect(QString(), kWatcherPath, kWatcher, QStringLiteral("StatusNotifierHostRegistered"),
                  this, SLOT(announce()));
-    registerWithWatcher();  // a watcher that is already there; none: an error reply, ignored
+    registerWithWatcher(true);  // a watcher that is already there; none: an error reply, ignored
 }
 
 // Registered by the connection's unique name: the watcher finds the item at the usual path.
-void StatusNotifierItem::registerWithWatcher() {
+void StatusNotifierItem::registerWithWatcher(bool followUp) {
     QDBusMessage message = QDBusMessage::createMethodCall(
         kWatcher, kWatcherPath, kWatcher, QStringLiteral("RegisterStatusNotifierItem"));
     message << bus_.baseService();
     auto* call = new QDBusPendingCallWatcher(
         bus_.asyncCall(message, static_cast<int>(timeout_.count())), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* done) {
-        done->deleteLater();
-        if (!done->isError()) {
-            announce();
-        }
-    });
+    connect(call, &QDBusPendingCallWatcher::finished, this,
+            [this, followUp](QDBusPendingCallWatcher* done) {
+                done->deleteLater();
+                if (done->isError()) {
+                    return;
+                }
+                announce();
+                if (followUp) {
+                    QTimer::singleShot(kFollowUp, this, [this] { registerWithWatcher(false); });
+                }
+            });
 }
 
 // Hosts that read the item while the watcher was still handing it over saw no label (GNOME's

@@ -30,6 +30,11 @@ QString installedIconName(const QString& name);
 // registers with the panel's watcher whenever a watcher takes the name, all run long, and
 // announces itself again once each registration is accepted and whenever a host registers, so
 // that a host that asked before it was ready still draws it. Nothing here waits on the bus.
+//
+// A second registration follows each accepted first one a second later: GNOME 48's extension
+// reads the label with every other property at registration but draws it only when the label
+// changes or the item registers again, and a label that changes would show nothing at first
+// to everyone else.
 class StatusNotifierItem : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
@@ -95,7 +100,7 @@ class StatusNotifierItem : public QObject {
     void announce();
 
   private:
-    void registerWithWatcher();
+    void registerWithWatcher(bool followUp);
 
     QDBusConnection bus_;
     StatusItemLook look_;
