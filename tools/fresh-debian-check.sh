@@ -70,6 +70,9 @@ for m in proc sys dev dev/pts dev/shm; do
 done
 mount --bind "$archives" "$root/var/cache/apt/archives"
 cp /etc/resolv.conf "$root/etc/resolv.conf"
+# What a booted Debian has and a root made by debootstrap lacks: systemd's seat folder, without
+# which GNOME Shell offers no lock screen (the GNOME desktop test locks it).
+mkdir -p "$root/run/systemd/seats"
 if [ -n "${http_proxy:-}" ]; then
     echo "Acquire::http::Proxy \"$http_proxy\";" >"$root/etc/apt/apt.conf.d/01proxy"
 fi
