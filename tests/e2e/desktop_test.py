@@ -50,7 +50,7 @@ class Desktop:
 
     def __init__(self, home, binary, fixture):
         self.home, self.children, self.binary, self.root = home, [], binary, f"{home}/machine"
-        entry = glob.glob(f"{home}/*.desktop")[0]
+        entry, = glob.glob(f"{home}/*.desktop")
         self.id = os.path.basename(entry).removesuffix(".desktop")
         self.wm_class = re.search(r"^StartupWMClass=(.*)$", open(entry).read(), re.M)[1]
         shutil.copytree(fixture, self.root)
@@ -165,7 +165,7 @@ def wayland(desktop):
     wait_for("CPU 25 %", lambda: cpu.name == "25.00 %")
     desktop.set_cpu(50)
     wait_for("CPU 50 % at the next tick", lambda: cpu.name == "50.00 %", 3.5)  # a tick, and room for a loaded machine
-    assert [window["app_id"] for window in sway_windows()] == [ID], sway_windows()
+    assert [window["app_id"] for window in wait_for("the window", sway_windows)] == [ID], sway_windows()
 
     print("== a panel started after the application shows the item, and shows it again after a restart")
     for round in (1, 2):
@@ -336,7 +336,8 @@ def main():
     # whatever the desktop leaves behind, even a daemon that one of its programs started and that
     # outlived it, is found by its session id and ended.
     home = tempfile.mkdtemp(prefix=f"corvane-{scenario}-")
-    shutil.copy(*glob.glob(f"{HERE}/../../packaging/*.desktop"), home)
+    entry, = glob.glob(f"{HERE}/../../packaging/*.desktop")  # the one the package installs
+    shutil.copy(entry, home)
     command = [sys.executable, "-u", __file__, scenario, binary, fixture, home]
     if os.getuid() == 0:  # nobody's copies of the inputs, dropped again when the folder is kept
         command[2] = shutil.copytree(HERE, f"{home}/input/e2e") + "/" + os.path.basename(__file__)
@@ -350,7 +351,8 @@ def main():
     try:
         with open(f"{home}/steps.log", "w") as log:
             for line in inner.stdout:
-                print(line, end="", flush=True, file=log) or print(line, end="", flush=True)
+                print(line, end="", flush=True)
+                log.write(line)
             status = inner.wait()
             if left := session(inner.pid):
                 for out in (log, sys.stdout):
