@@ -18,15 +18,6 @@ ITEM, MENU = "org.kde.StatusNotifierItem", "com.canonical.dbusmenu"
 NOTIFICATIONS = "org.freedesktop.Notifications"
 
 
-def hung_service(bus):
-    """Takes the permission question and never answers it: the main loop that would is never run."""
-    node = Gio.DBusNodeInfo.new_for_xml(f"<node><interface name='{NOTIFICATIONS}'>"
-                                        "<method name='GetServerInformation'/></interface></node>")
-    bus.register_object("/org/freedesktop/Notifications", node.interfaces[0], lambda *a: None)
-    bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
-                  GLib.Variant("(su)", (NOTIFICATIONS, 0)), None, 0, -1)
-
-
 def wait_for(what, check, timeout=10.0):
     """check's first true answer within timeout seconds; the wait's length goes into the steps."""
     started = time.monotonic()
@@ -256,7 +247,13 @@ def x11(desktop):
     os.environ["DISPLAY"] = ":" + display.stdout.readline().decode().strip()
     # On a loaded machine the display was seen to refuse the first client just after announcing it.
     wait_for("the X display", lambda: subprocess.run(["xdpyinfo"], capture_output=True).returncode == 0)
-    hung_service(desktop.bus)
+    # A notification service that takes the permission question and never answers it: the main
+    # loop that would is never run.
+    node = Gio.DBusNodeInfo.new_for_xml(f"<node><interface name='{NOTIFICATIONS}'>"
+                                        "<method name='GetServerInformation'/></interface></node>")
+    desktop.bus.register_object("/org/freedesktop/Notifications", node.interfaces[0], lambda *a: None)
+    desktop.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName", "(su)",
+                 NOTIFICATIONS, 0)
 
     print("== two launches at the same instant leave one Corvane")
     first, second = desktop.launch("xcb", "first"), desktop.launch("xcb", "second")
