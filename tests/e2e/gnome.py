@@ -3,24 +3,24 @@ headless on the private session bus. What the user sees is read from the shell t
 (--unsafe-mode allows it), and the panel is clicked with a virtual pointer of the shell's own."""
 import json, os, re, subprocess, threading, time
 from gi.repository import Gio, GLib
-from desktop_test import HERE, ID, NOTIFICATIONS, step, wait_for
+from desktop_test import HERE, NOTIFICATIONS, text, wait_for
 
 EXTENSION = "ubuntu-appindicators@ubuntu.com"
 LABEL = "\u26a1\ufe0e Monitoring..."
 # What every expression may use: the indicators laid out in the panel, the texts below an actor, Corvane's windows.
-HELPERS = f"""const {{Clutter}} = imports.gi;
+HELPERS = """const {Clutter} = imports.gi;
 const indicators = () => Object.entries(Main.panel.statusArea).filter(([key, actor]) =>
     key.startsWith('appindicator-') && actor?.visible && actor.has_allocation()).map(([, actor]) => actor);
 const texts = a => (a instanceof Clutter.Text ? [a.text] : []).concat(a.get_children().flatMap(texts));
-const windows = () => global.display.list_all_windows().filter(w => w.get_wm_class() === '{ID}');
+const windows = () => global.display.list_all_windows().filter(w => w.get_wm_class() === '%s');
 const seat = Clutter.get_default_backend().get_default_seat();
 globalThis.testPointer ??= seat.create_virtual_device(Clutter.InputDeviceType.POINTER_DEVICE);
-const click = actor => {{
+const click = actor => {
     const [x, y] = actor.get_transformed_position(), [w, h] = actor.get_transformed_size();
     testPointer.notify_absolute_motion(GLib.get_monotonic_time(), x + w / 2, y + h / 2);
     for (const state of [Clutter.ButtonState.PRESSED, Clutter.ButtonState.RELEASED])
         testPointer.notify_button(GLib.get_monotonic_time(), Clutter.BUTTON_PRIMARY, state);
-}};
+};
 """
 
 
@@ -38,7 +38,8 @@ def display_manager(address):
 
 def gnome(desktop):
     def shell(code):
-        ok, result = desktop.call("org.gnome.Shell", "/org/gnome/Shell", "org.gnome.Shell", "Eval", "(s)", HELPERS+code)
+        ok, result = desktop.call("org.gnome.Shell", "/org/gnome/Shell", "org.gnome.Shell", "Eval", "(s)",
+                                  HELPERS % desktop.id + code)
         assert ok, (code, result)
         return json.loads(result or "null")
 
@@ -90,14 +91,14 @@ def gnome(desktop):
     wait_for("the shell's notification service", lambda: desktop.has_owner(NOTIFICATIONS))
     desktop.app = desktop.launch("wayland", WAYLAND_DISPLAY="wayland-0")
 
-    step("the panel holds Corvane's indicator with its label; its menu lists Open App and Quit")
-    wait_for("Notification granted", lambda: desktop.output() == "Notification granted\n")
+    print("== the panel holds Corvane's indicator with its label; its menu lists Open App and Quit")
+    wait_for("Notification granted", lambda: text(desktop.app.out) == "Notification granted\n")
     wait_for("Corvane's window", lambda: shell("windows().length") == 1)
     indicator()
     items = menu()
     assert items == ["Open App", "Quit"], items
 
-    step("the window closed as a user closes it: Open App brings it back")
+    print("== the window closed as a user closes it: Open App brings it back")
     shell("windows()[0].delete(global.get_current_time())")
     wait_for("the window closed", lambda: shell("windows().length") == 0)
     time.sleep(1)  # proves a negative: a second for Corvane to end, if closing its window ended it
@@ -105,7 +106,7 @@ def gnome(desktop):
     menu("Open App")
     wait_for("the window shown again", lambda: shell("windows().length") == 1)
 
-    step("the indicator comes back with its label after the extension is turned off and on, and after a lock")
+    print("== the indicator comes back with its label after the extension is turned off and on, and after a lock")
     shell(f"Main.extensionManager.disableExtension('{EXTENSION}')")
     wait_for("no indicator", lambda: shell("indicators().length") == 0)
     shell(f"Main.extensionManager.enableExtension('{EXTENSION}')")
@@ -117,7 +118,7 @@ def gnome(desktop):
     wait_for("unlocked", lambda: not shell("Main.screenShield.locked"))
     indicator()
 
-    step("Quit in the indicator's menu ends Corvane with status 0; the shell ends through Eval")
+    print("== Quit in the indicator's menu ends Corvane with status 0; the shell ends through Eval")
     menu("Quit")
     assert desktop.app.wait(10) == 0
     shell("global.context.terminate()")  # SIGTERM would crash it
