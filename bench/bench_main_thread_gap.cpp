@@ -191,6 +191,8 @@ int main(int argc, char** argv) {
          {}},
         QDBusObjectPath(QStringLiteral("/MenuBar")), [](const QString&) {},
         std::chrono::milliseconds(2000));
+    QObject::connect(&tray, &corvane::platform::TrayWatcher::statusNotifierHostReady, &item,
+                     [&item] { item.registerWithWatcher(); });
     const double gap = worstGapMs(5000, [&](int tick) { watcher.setUp(tick % 4 < 2); });
     std::printf("%-34s %14.2f   (%d appearances seen)\n", "watcher appearing and leaving", gap,
                 appearances);

@@ -43,22 +43,22 @@ void AppDelegate::applicationDidFinishLaunching() {
     }
     buildMenu();
     // The title is the item's text where the panel draws one beside the icon (GNOME), and its
-    // tool tip and screen-reader name elsewhere; the glyph is its icon.
-    facilities_.exportStatusItem(
-        this,
-        {QString::fromLatin1(platform::kApplicationId), QStringLiteral("Corvane"),
-         QString::fromUtf8(kStatusTitle),
-         trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour),
-         platform::installedIconName(QString::fromLatin1(platform::kApplicationId))},
-        menu_.get(), [this](const QString& token) { openApp(token); });
-    // While there is no tray, the window is the application: closing it quits, rather than
-    // leaving a process nobody can reach. The desktop is watched for a tray all run long, since
-    // a panel may well start after the application, or end and start again.
+    // tool tip and screen-reader name elsewhere; the glyph is its icon. While there is no tray,
+    // the window is the application: closing it quits, rather than leaving a process nobody can
+    // reach. The desktop is watched for a tray all run long, since a panel may well start after
+    // the application, or end and start again.
     QApplication::setQuitOnLastWindowClosed(true);
-    facilities_.watchSystemTray(this, [this](platform::SystemTray tray) {
-        QApplication::setQuitOnLastWindowClosed(tray == platform::SystemTray::None);
-        showXEmbedItem(tray == platform::SystemTray::XEmbed);
-    });
+    const QString id = QString::fromLatin1(platform::kApplicationId);
+    facilities_.showStatusItem(
+        this,
+        {id, QStringLiteral("Corvane"), QString::fromUtf8(kStatusTitle),
+         trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour),
+         platform::installedIconName(id)},
+        menu_.get(), [this](const QString& token) { openApp(token); },
+        [this](platform::SystemTray tray) {
+            QApplication::setQuitOnLastWindowClosed(tray == platform::SystemTray::None);
+            showXEmbedItem(tray == platform::SystemTray::XEmbed);
+        });
 }
 
 void AppDelegate::buildMenu() {

@@ -21,19 +21,20 @@ constexpr std::chrono::milliseconds kPanelLimit{2000};
 ShellFacilities desktopShellFacilities() {
     ShellFacilities facilities;
     facilities.notificationCentre = &platform::NotificationCentre::current;
-    facilities.watchSystemTray = [](QObject* context,
-                                    std::function<void(platform::SystemTray)> changed) {
-        auto* watcher =
-            new platform::TrayWatcher(QDBusConnection::sessionBus(), kPanelLimit, context);
-        QObject::connect(watcher, &platform::TrayWatcher::trayChanged, context, std::move(changed));
-    };
-    facilities.exportStatusItem = [](QObject* context, platform::StatusItemLook look, QMenu* menu,
-                                     std::function<void(const QString&)> activate) {
+    facilities.showStatusItem = [](QObject* context, platform::StatusItemLook look, QMenu* menu,
+                                   std::function<void(const QString&)> activate,
+                                   std::function<void(platform::SystemTray)> trayChanged) {
+        const QDBusConnection bus = QDBusConnection::sessionBus();
         const QString menuPath = QStringLiteral("/MenuBar");
-        new platform::DBusMenu(QDBusConnection::sessionBus(), menuPath, menu, context);
-        new platform::StatusNotifierItem(QDBusConnection::sessionBus(), std::move(look),
-                                         QDBusObjectPath(menuPath), std::move(activate),
-                                         kPanelLimit, context);
+        new platform::DBusMenu(bus, menuPath, menu, context);
+        auto* item =
+            new platform::StatusNotifierItem(bus, std::move(look), QDBusObjectPath(menuPath),
+                                             std::move(activate), kPanelLimit, context);
+        auto* tray = new platform::TrayWatcher(bus, kPanelLimit, context);
+        QObject::connect(tray, &platform::TrayWatcher::statusNotifierHostReady, item,
+                         [item] { item->registerWithWatcher(); });
+        QObject::connect(tray, &platform::TrayWatcher::trayChanged, context,
+                         std::move(trayChanged));
     };
     facilities.printLine = &printLineToStandardOutput;
     // Read now, before the application object exists: Qt takes the startup id out of the

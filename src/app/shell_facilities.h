@@ -17,17 +17,15 @@ namespace corvane::app {
 struct ShellFacilities {
     // The notification service the delegate registers with and asks for permission.
     std::function<platform::NotificationCentre*()> notificationCentre;
-    // Calls `changed` on the thread of `context`, for as long as `context` lives, each time the
+    // Offers the tray item `look` with `menu` to the desktop's StatusNotifier panels, for as long
+    // as `context` lives, and calls `trayChanged` on the thread of `context` each time the
     // desktop's tray changes: a StatusNotifier host came, an X11 tray without one, or none is
-    // left. Must not wait on the bus.
-    std::function<void(QObject* context, std::function<void(platform::SystemTray)> changed)>
-        watchSystemTray;
-    // Offers the tray item `look` with `menu` to every StatusNotifier panel of the session, for
-    // as long as `context` lives; `activate` is a click on it where the panel opens no menu,
-    // with the click's activation token. Must not wait on the bus.
+    // left. `activate` is a click on the item where the panel opens no menu, with the click's
+    // activation token. Must not wait on the bus.
     std::function<void(QObject* context, platform::StatusItemLook look, QMenu* menu,
-                       std::function<void(const QString& token)> activate)>
-        exportStatusItem;
+                       std::function<void(const QString& token)> activate,
+                       std::function<void(platform::SystemTray)> trayChanged)>
+        showStatusItem;
     // Where the one permission line goes; may be called from any thread.
     std::function<void(std::string_view)> printLine;
     // Makes this process the desktop session's one Corvane, which `activate` then brings to

@@ -3,7 +3,6 @@
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
-#include <QDBusServiceWatcher>
 #include <QStandardPaths>
 #include <QTimer>
 #include <utility>
@@ -42,18 +41,6 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, StatusItemLook look,
     qDBusRegisterMetaType<IconPixmaps>();
     qDBusRegisterMetaType<ToolTip>();
     bus_.registerObject(kItemPath, this, QDBusConnection::ExportAllContents);
-    auto* names =
-        new QDBusServiceWatcher(kWatcher, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
-    connect(names, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString&, const QString&, const QString& owner) {
-                if (!owner.isEmpty()) {
-                    registerWithWatcher(true);
-                }
-            });
-    // No sender named: subscribing needs no name lookup on the bus.
-    bus_.connect(QString(), kWatcherPath, kWatcher, QStringLiteral("StatusNotifierHostRegistered"),
-                 this, SLOT(announce()));
-    registerWithWatcher(true);  // a watcher that is already there; none: an error reply, ignored
 }
 
 // Registered by the connection's unique name: the watcher finds the item at the usual path.
@@ -76,8 +63,7 @@ void StatusNotifierItem::registerWithWatcher(bool followUp) {
             });
 }
 
-// Hosts that read the item while the watcher was still handing it over saw no label (GNOME's
-// extension draws it only on XAyatanaNewLabel) or no icon: everything once more.
+// Hosts that read the item while the watcher was still handing it over draw it anew.
 void StatusNotifierItem::announce() {
     emit NewTitle();
     emit NewIcon();

@@ -27,14 +27,9 @@ QString installedIconName(const QString& name);
 // The application's tray item as StatusNotifier panels (KDE, GNOME's AppIndicator extension,
 // waybar, Xfce, LXQt) take it: org.kde.StatusNotifierItem at /StatusNotifierItem, with the
 // AppIndicator label that GNOME's extension draws as text, and the menu exported at `menu`. It
-// registers with the panel's watcher whenever a watcher takes the name, all run long, and
-// announces itself again once each registration is accepted and whenever a host registers, so
-// that a host that asked before it was ready still draws it. Nothing here waits on the bus.
-//
-// A second registration follows each accepted first one a second later: GNOME 48's extension
-// reads the label with every other property at registration but draws it only when the label
-// changes or the item registers again, and a label that changes would show nothing at first
-// to everyone else.
+// answers every property from the moment it exists, and announces itself again once each
+// registration is accepted, so that a host that read it early still draws all of it. Nothing
+// here waits on the bus.
 class StatusNotifierItem : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
@@ -96,11 +91,17 @@ class StatusNotifierItem : public QObject {
     void NewStatus(const QString& status);
     void XAyatanaNewLabel(const QString& label, const QString& guide);
 
-  private slots:
-    void announce();
+  public:
+    // Registers with the session's StatusNotifier watcher; to be called each time it has a host.
+    // A second registration follows an accepted one a second later: GNOME 48's extension reads
+    // the label with every other property at registration but draws it only when the label
+    // changes or the item registers again (and a label that changed would show nothing at
+    // first everywhere else).
+    void registerWithWatcher() { registerWithWatcher(true); }
 
   private:
     void registerWithWatcher(bool followUp);
+    void announce();
 
     QDBusConnection bus_;
     StatusItemLook look_;

@@ -57,6 +57,9 @@ void TrayWatcher::askForHost() {
             reply.isError() ? reply.error().type() : QDBusError::NoError;
         if (error == QDBusError::NoError) {
             host_ = reply.value().variant().toBool() ? Host::Present : Host::Absent;
+            if (host_ == Host::Present) {
+                emit statusNotifierHostReady();
+            }
         } else {
             // Nobody owns the name: no watcher. Anything else (no reply in time, a broken
             // watcher) would hang the blocking check of Qt's XEmbed item.

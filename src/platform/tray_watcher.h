@@ -29,6 +29,10 @@ class TrayWatcher : public QObject {
   signals:
     // A tray came, went, or another kind took over.
     void trayChanged(corvane::platform::SystemTray tray);
+    // A StatusNotifier watcher answered that it has a host: after a new watcher took the name, or
+    // a host registered. Items register then, not before: a host that is still starting drops an
+    // item that the watcher announces before the host listens (seen with waybar).
+    void statusNotifierHostReady();
 
   private slots:
     void askForHost();

@@ -316,7 +316,9 @@ def session(sid):
 
 def main():
     scenario, binary, fixture, *home = sys.argv[1:]
-    if home:  # the desktop itself, in its folder
+    if home:  # the desktop itself, in its folder, and none of the caller's
+        for name in ("DISPLAY", "WAYLAND_DISPLAY", "SWAYSOCK"):
+            os.environ.pop(name, None)
         desktop = Desktop(home[0], binary, fixture)
         try:
             desktop.begin()

@@ -26,13 +26,12 @@ TEST(Shell, LaunchAsksPermissionExportsTheItemAndFollowsTheTray) {
     std::optional<platform::StatusItemLook> exported;
     std::function<void(const QString&)> click;
     AppDelegate delegate({[&] { return &centre; },
-                          [&](QObject*, std::function<void(platform::SystemTray)> changed) {
-                              trayChanged = changed;
-                          },
                           [&](QObject*, platform::StatusItemLook look, QMenu*,
-                              std::function<void(const QString&)> activate) {
+                              std::function<void(const QString&)> activate,
+                              std::function<void(platform::SystemTray)> changed) {
                               exported = look;
                               click = activate;
+                              trayChanged = changed;
                           },
                           [&](std::string_view line) { lines.emplace_back(line); },
                           {}});
