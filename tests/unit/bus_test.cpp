@@ -1,7 +1,5 @@
-// Corvane's own facilities on the private session bus `make test` runs the tests on: which
-// notification clicks open the dashboard, and the claim that keeps one Corvane per session.
-// Services and other applications are connections of their own; each is served from this thread,
-// so nothing here calls one of them and blocks.
+// On the private session bus of `make test`: which notification clicks open the dashboard, and
+// one Corvane per session. Services are connections of their own served from this thread.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -27,10 +25,13 @@ QDBusConnection connection(const QString& name) {
     return QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
 }
 
-// Answers whatever it is called with: Notify with the next id of its own, counted from 7.
-// Without an answer it leaves every call to time out.
+// Holds `service` and answers every call (Notify: its next id, from 7), or lets it time out.
 struct Server : QDBusVirtualObject {
-    explicit Server(QDBusConnection on, bool answers = true) : bus(on), answers(answers) {}
+    Server(const QString& name, const QString& path = {}, const QString& service = {},
+           bool answers = true)
+        : bus(connection(name)), answers(answers) {
+        bus.registerVirtualObject(path, this) && bus.registerService(service);
+    }
     QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& call, const QDBusConnection& via) override {
         return !answers || via.send(call.createReply(++lastId));
@@ -52,10 +53,8 @@ TEST(Bus, NotificationClicksThatOpenTheDashboardTable) {
     }
     const QString service = freedesktop::kService, path = freedesktop::kPath;
     std::map<std::string, std::unique_ptr<Server>> peers;
-    peers["other"] = std::make_unique<Server>(connection("other"));
-    peers["service"] = std::make_unique<Server>(connection("service"));
-    peers["service"]->bus.registerVirtualObject(path, peers["service"].get());
-    peers["service"]->bus.registerService(service);
+    peers["other"] = std::make_unique<Server>("other");
+    peers["service"] = std::make_unique<Server>("service", path, service);
     NotificationCentre centre(connection("corvane"), [] { return false; });
     Clicks clicks;
     centre.setDelegate(&clicks);
@@ -64,7 +63,7 @@ TEST(Bus, NotificationClicksThatOpenTheDashboardTable) {
     for (const auto& c : caseTable("clicks")) {
         SCOPED_TRACE(c.where);
         Server& from = *peers.at(c[0]);
-        const uint id = c[2] == "own" ? own : c[2].empty() ? 0 : std::stoul(c[2]);
+        const uint id = c[2] == "own" ? own : std::stoul(c[2]);
         const QString token = QString::fromStdString(c.where);
         const auto send = [&](const char* name, const QVariantList& arguments) {
             auto signal = QDBusMessage::createSignal(path, service, QString::fromLatin1(name));
@@ -79,9 +78,7 @@ TEST(Bus, NotificationClicksThatOpenTheDashboardTable) {
         } else if (c[1] == "restart") {
             from.bus.unregisterService(service);
             peers["old"] = std::move(peers["service"]);
-            peers["new"] = std::make_unique<Server>(connection("new"));
-            peers["new"]->bus.registerVirtualObject(path, peers["new"].get());
-            peers["new"]->bus.registerService(service);
+            peers["new"] = std::make_unique<Server>("new", path, service);
         } else if (c[1] == "close") {
             send("NotificationClosed", {id, 2u});
         } else {
@@ -122,9 +119,7 @@ TEST(Bus, OneCorvanePerSession) {
     EXPECT_EQ(activated, QStringList{"t2"});
 
     firstBus.unregisterService(kApplicationId);
-    Server mute(connection("mute"), false);
-    mute.bus.registerVirtualObject(kApplicationPath, &mute);
-    ASSERT_TRUE(mute.bus.registerService(kApplicationId));
+    Server mute("mute", kApplicationPath, kApplicationId, false);
     const SessionClaim unanswered = claimSession(connection("third"), &second, {}, 300ms);
     EXPECT_EQ(unanswered.outcome, SessionClaim::Outcome::Unanswered);
     EXPECT_EQ(unanswered.message,
@@ -140,7 +135,6 @@ TEST(Bus, OneCorvanePerSession) {
     EXPECT_EQ(claimSession(bus, &second, {}).outcome, SessionClaim::Outcome::Run);
     EXPECT_EQ(activated, QStringList{"t2"});
     refusing.kill();
-    refusing.waitForFinished();
 }
 
 }  // namespace

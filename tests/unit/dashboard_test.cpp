@@ -89,12 +89,8 @@ class DashboardView : public ::testing::Test {
 
 TEST_F(DashboardView, RowsFromTheMonitorOneRefreshPerTickAndNoneWhileHidden) {
     EXPECT_TRUE(rig.timers.empty()) << "creating the dashboard must not start sampling";
-    EXPECT_EQ(texts("label"), QStringList({"CPU Usage:", "RAM Usage:", "Disk Usage:", "Battery:",
-                                           "Download:", "Upload:"}));
     EXPECT_EQ(texts("value"), QStringList({"0.00 %", "0.00 %", "0.00 %", "0% (Unknown)",
                                            "0.00 MB/s", "0.00 MB/s"}));
-    EXPECT_EQ(static_cast<QLabel*>(child("title"))->text(), "System Monitor");
-    EXPECT_EQ(static_cast<QLabel*>(child("caption"))->text(), "CPU Usage History (last 1 min)");
 
     rig.writeHealthy();
     view.show();  // the first appearance starts the monitor: one tick at once
