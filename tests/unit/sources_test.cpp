@@ -39,7 +39,7 @@ namespace {
 using namespace corvane::testing;
 using corvane::testing::show;
 
-TEST(Sources, ParsersTable) {
+TEST(Sources, ParsersAndFormulasTables) {
     for (const auto& c : caseTable("parsers")) {
         EXPECT_EQ(c[0] == "stat"      ? show(parseCpuTicks(c[1]))
                   : c[0] == "meminfo" ? show(parseMeminfo(c[1], std::stoull(c[2])))
@@ -49,10 +49,7 @@ TEST(Sources, ParsersTable) {
                   c.fields.back())
             << c.where;
     }
-}
-
-// Doubles are compared exactly: each formula is fixed down to its order of operations.
-TEST(Sources, FormulasTable) {
+    // Doubles are compared exactly: each formula is fixed down to its order of operations.
     for (const auto& c : caseTable("formulas")) {
         const auto in = words(c[1]);
         const auto n = [&](int i) { return std::stoull(in[i]); };
