@@ -55,7 +55,7 @@ TEST(Bus, NotificationClicksThatOpenTheDashboardTable) {
     std::map<std::string, std::unique_ptr<Server>> peers;
     peers["other"] = std::make_unique<Server>("other");
     peers["service"] = std::make_unique<Server>("service", path, service);
-    NotificationCentre centre(connection("corvane"), [] { return false; });
+    NotificationCentre centre(connection("corvane"));  // with no window, not the active app
     Clicks clicks;
     centre.setDelegate(&clicks);
     QStringList opened;

@@ -111,7 +111,11 @@ TEST(Sources, KernelFilesRefuseFifosAndWhatIsTooLarge) {
     // Started with standard input closed, a program gets descriptor 0 for the first file.
     const int input = ::dup(0);
     ::close(0);
-    EXPECT_EQ(KernelFile((tree.root() / "f").string()).read(), std::string(10000, '2'));
+    {
+        KernelFile zero((tree.root() / "f").string());
+        EXPECT_EQ(zero.read(), std::string(10000, '2'));
+        EXPECT_TRUE(zero.isOpen()) << "0 is a descriptor like any other";
+    }
     EXPECT_EQ(::fcntl(0, F_GETFD), -1) << "descriptor 0 left open";
     ::dup2(input, 0);
     ::close(input);
