@@ -11,13 +11,13 @@
 namespace corvane::testing {
 
 // A monitor on a fixture machine whose files are written healthy again before each tick, eth0
-// moving 6 MiB in and 1 MiB out per tick, with a hand-driven wall clock and timers. The page size
-// is left to the running system, as the application leaves it (the tables assume 4 KiB).
+// moving 6 MiB in and 1 MiB out per tick, with a hand-driven wall clock and timers.
 struct Rig {
     explicit Rig(const std::string& machine)
         : fixture(std::filesystem::path(CORVANE_FIXTURES) / machine), tree(machine) {
         monitor::MonitorEnvironment env;
         env.root = tree.root();
+        env.pageSize = 4096;
         env.homeDirectory = [this] { return home; };
         env.volume = [this](const std::string&) { return volume; };
         env.wallClock = [this] { return now; };
