@@ -23,13 +23,11 @@ using namespace corvane::testing;
 
 std::vector<double> numbers(const std::string& text) {
     std::vector<double> values;
-    for (const auto& word : words(text)) {
-        values.push_back(number(word));
-    }
+    std::ranges::transform(words(text), std::back_inserter(values), number);
     return values;
 }
 
-TEST(Dashboard, FormatsTableInTheCAndAGermanLocale) {
+TEST(Dashboard, FormatsInTheCAndAGermanLocaleColoursAndAxisTables) {
     for (const char* locale : {"C", "de_DE.UTF-8"}) {
         ASSERT_NE(std::setlocale(LC_ALL, locale), nullptr) << locale << " is not generated";
         for (const auto& c : caseTable("formats")) {
@@ -42,9 +40,6 @@ TEST(Dashboard, FormatsTableInTheCAndAGermanLocale) {
         }
     }
     std::setlocale(LC_ALL, "C");
-}
-
-TEST(Dashboard, ColoursTable) {
     for (const auto& c : caseTable("colours")) {
         const Color colour = Color::fromHex(c[0]);
         const auto byte = [&](int i) { return std::stoi(words(c[1]).at(i), nullptr, 16) / 255.0; };
@@ -54,14 +49,11 @@ TEST(Dashboard, ColoursTable) {
             << c.where;
     }
     EXPECT_EQ(toQColor(Color::fromHex("#40E0D0")), QColor(64, 224, 208));
-}
-
-// Each finite value at its position; the others are left out and the line joins around them.
-TEST(Dashboard, AxisTableAndChartPoints) {
     for (const auto& c : caseTable("axis")) {
         const AxisRange range = valueAxisRange(numbers(c[0]));
         EXPECT_EQ(join(range.min, range.max, range.tickCount), join(c[1])) << c.where;
     }
+    // Each finite value at its position; the others are left out and the line joins around them.
     CpuHistoryChart chart;
     chart.setHistory(numbers("10 nan inf 20 -inf"));
     EXPECT_EQ(chart.series().points(), (QList<QPointF>{{0, 10}, {3, 20}}));
@@ -89,12 +81,8 @@ class DashboardView : public ::testing::Test {
 
 TEST_F(DashboardView, RowsFromTheMonitorOneRefreshPerTickAndNoneWhileHidden) {
     EXPECT_TRUE(rig.timers.empty()) << "creating the dashboard must not start sampling";
-    EXPECT_EQ(texts("label"), QStringList({"CPU Usage:", "RAM Usage:", "Disk Usage:", "Battery:",
-                                           "Download:", "Upload:"}));
     EXPECT_EQ(texts("value"), QStringList({"0.00 %", "0.00 %", "0.00 %", "0% (Unknown)",
                                            "0.00 MB/s", "0.00 MB/s"}));
-    EXPECT_EQ(static_cast<QLabel*>(child("title"))->text(), "System Monitor");
-    EXPECT_EQ(static_cast<QLabel*>(child("caption"))->text(), "CPU Usage History (last 1 min)");
 
     rig.writeHealthy();
     view.show();  // the first appearance starts the monitor: one tick at once

@@ -39,7 +39,7 @@ namespace {
 using namespace corvane::testing;
 using corvane::testing::show;
 
-TEST(Sources, ParsersTable) {
+TEST(Sources, ParsersAndFormulasTables) {
     for (const auto& c : caseTable("parsers")) {
         EXPECT_EQ(c[0] == "stat"      ? show(parseCpuTicks(c[1]))
                   : c[0] == "meminfo" ? show(parseMeminfo(c[1], std::stoull(c[2])))
@@ -49,10 +49,7 @@ TEST(Sources, ParsersTable) {
                   c.fields.back())
             << c.where;
     }
-}
-
-// Doubles are compared exactly: each formula is fixed down to its order of operations.
-TEST(Sources, FormulasTable) {
+    // Doubles are compared exactly: each formula is fixed down to its order of operations.
     for (const auto& c : caseTable("formulas")) {
         const auto in = words(c[1]);
         const auto n = [&](int i) { return std::stoull(in[i]); };
@@ -114,7 +111,11 @@ TEST(Sources, KernelFilesRefuseFifosAndWhatIsTooLarge) {
     // Started with standard input closed, a program gets descriptor 0 for the first file.
     const int input = ::dup(0);
     ::close(0);
-    EXPECT_EQ(KernelFile((tree.root() / "f").string()).read(), std::string(10000, '2'));
+    {
+        KernelFile zero((tree.root() / "f").string());
+        EXPECT_EQ(zero.read(), std::string(10000, '2'));
+        EXPECT_TRUE(zero.isOpen()) << "0 is a descriptor like any other";
+    }
     EXPECT_EQ(::fcntl(0, F_GETFD), -1) << "descriptor 0 left open";
     ::dup2(input, 0);
     ::close(input);

@@ -1,0 +1,141 @@
+// On the private session bus of `make test`: which notification clicks open the dashboard, and
+// one Corvane per session. Services are connections of their own served from this thread.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <QDBusConnectionInterface>
+#include <QDBusVirtualObject>
+#include <QProcess>
+#include <QTest>
+#include <future>
+
+#include "platform/application_id.h"
+#include "platform/application_service.h"
+#include "platform/freedesktop_notifications.h"
+#include "platform/session_instance.h"
+#include "support.h"
+
+namespace corvane::platform {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace corvane::testing;
+
+QDBusConnection connection(const QString& name) {
+    return QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
+}
+
+// Holds `service` and answers every call (Notify: its next id, from 7), or lets it time out.
+struct Server : QDBusVirtualObject {
+    Server(const QString& name, const QString& path = {}, const QString& service = {},
+           bool answers = true)
+        : bus(connection(name)), answers(answers) {
+        bus.registerVirtualObject(path, this) && bus.registerService(service);
+    }
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& call, const QDBusConnection& via) override {
+        return !answers || via.send(call.createReply(++lastId));
+    }
+    QDBusConnection bus;
+    bool answers;
+    uint lastId = 6;
+};
+
+struct Clicks : NotificationCentreDelegate {
+    unsigned willPresent(const NotificationRequest&) override { return 0; }
+    void didActivateNotification(const QString& token) override { tokens << token; }
+    QStringList tokens;
+};
+
+TEST(Bus, NotificationClicksThatOpenTheDashboardTable) {
+    if (!QDBusConnection::sessionBus().isConnected()) {
+        GTEST_SKIP() << "no session bus";
+    }
+    const QString service = freedesktop::kService, path = freedesktop::kPath;
+    std::map<std::string, std::unique_ptr<Server>> peers;
+    peers["other"] = std::make_unique<Server>("other");
+    peers["service"] = std::make_unique<Server>("service", path, service);
+    NotificationCentre centre(connection("corvane"));  // with no window, not the active app
+    Clicks clicks;
+    centre.setDelegate(&clicks);
+    QStringList opened;
+    uint own = 0;
+    for (const auto& c : caseTable("clicks")) {
+        SCOPED_TRACE(c.where);
+        Server& from = *peers.at(c[0]);
+        const uint id = c[2] == "own" ? own : std::stoul(c[2]);
+        const QString token = QString::fromStdString(c.where);
+        const auto send = [&](const char* name, const QVariantList& arguments) {
+            auto signal = QDBusMessage::createSignal(path, service, QString::fromLatin1(name));
+            signal.setArguments(arguments);
+            from.bus.send(signal);
+        };
+        if (c[1] == "post") {
+            const uint before = from.lastId;
+            centre.add({"id", "CPU", "busy"});
+            ASSERT_TRUE(QTest::qWaitFor([&] { return from.lastId > before; }, 5000));
+            own = from.lastId;
+        } else if (c[1] == "restart") {
+            from.bus.unregisterService(service);
+            peers["old"] = std::move(peers["service"]);
+            peers["new"] = std::make_unique<Server>("new", path, service);
+        } else if (c[1] == "close") {
+            send("NotificationClosed", {id, 2u});
+        } else {
+            if (c[1] == "click") {
+                send("ActivationToken", {id, token});
+            }
+            send("ActionInvoked", {id, c[1] == "menu" ? "settings" : freedesktop::kDefaultAction});
+        }
+        // The bus hands on each sender's messages in order: after this answer, what was sent
+        // above reaches the centre before anything sent later by anyone.
+        from.bus.interface()->serviceOwner(service);
+        if (c[3] != "-") {
+            opened << (c[3] == "token" ? token : QString());
+            ASSERT_TRUE(QTest::qWaitFor([&] { return clicks.tokens.size() >= opened.size(); }));
+            EXPECT_EQ(clicks.tokens, opened);
+        }
+    }
+}
+
+// The first launch holds the name, a second hands its token over, a holder that does not answer
+// is named, and a bus that refuses the name still runs Corvane.
+TEST(Bus, OneCorvanePerSession) {
+    if (!QDBusConnection::sessionBus().isConnected()) {
+        GTEST_SKIP() << "no session bus";
+    }
+    QStringList activated;
+    ApplicationService first([&](const QString& token) { activated << token; });
+    ApplicationService second([&](const QString& token) { activated << "second " + token; });
+    QDBusConnection firstBus = connection("first");
+    EXPECT_EQ(claimSession(firstBus, &first, {}).outcome, SessionClaim::Outcome::Run);
+    EXPECT_EQ(claimSession(firstBus, &first, {}).outcome, SessionClaim::Outcome::Run)
+        << "claimed again by its holder";
+    auto claim = std::async(std::launch::async, [&] {
+        return claimSession(connection("second"), &second, {{"activation-token", "t2"}});
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return claim.wait_for(0s) == std::future_status::ready; }));
+    EXPECT_EQ(claim.get().outcome, SessionClaim::Outcome::HandedOver);
+    EXPECT_EQ(activated, QStringList{"t2"});
+
+    firstBus.unregisterService(kApplicationId);
+    Server mute("mute", kApplicationPath, kApplicationId, false);
+    const SessionClaim unanswered = claimSession(connection("third"), &second, {}, 300ms);
+    EXPECT_EQ(unanswered.outcome, SessionClaim::Outcome::Unanswered);
+    EXPECT_EQ(unanswered.message,
+              QString("corvane: Corvane is already running (process %1) but did not answer "
+                      "within 300 ms")
+                  .arg(::getpid()));
+
+    QProcess refusing;
+    refusing.start("dbus-daemon", {"--nofork", "--print-address",
+                                   "--config-file=" CORVANE_FIXTURES "/refusing-bus.conf"});
+    ASSERT_TRUE(refusing.waitForReadyRead(5000));
+    const auto bus = QDBusConnection::connectToBus(refusing.readLine().trimmed(), "refusing");
+    EXPECT_EQ(claimSession(bus, &second, {}).outcome, SessionClaim::Outcome::Run);
+    EXPECT_EQ(activated, QStringList{"t2"});
+    refusing.kill();
+}
+
+}  // namespace
+}  // namespace corvane::platform
