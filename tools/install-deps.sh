@@ -24,7 +24,7 @@ test=(
     # panel, an X11 tray, a notification service, screenshots and the screen readers' bus; and
     # GNOME Shell with its AppIndicator extension, the panel that draws the item's label.
     sway waybar grim trayer x11-utils xdotool python3-xlib dunst at-spi2-core
-    python3-pyatspi python3-gi gnome-shell gnome-shell-extension-appindicator gjs
+    python3-pyatspi python3-gi libglib2.0-bin gnome-shell gnome-shell-extension-appindicator gjs
     # A passwd file of the tests' own, for the home lookup's long entries.
     libnss-wrapper
     # The checks the Debian package passes.

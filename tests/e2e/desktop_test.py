@@ -151,12 +151,8 @@ def wayland(desktop):
     wait_for("dunst", lambda: desktop.has_owner(NOTIFICATIONS))
     desktop.app = desktop.launch("wayland")
 
-    print("== the permission line, first values that change with the next 2 s tick, the desktop entry's app id")
+    print("== the permission line; the window under the desktop entry's app id")
     wait_for("Notification granted", lambda: text(desktop.app.out) == "Notification granted\n")
-    cpu = screen_reader()[1]["CPU Usage:"]
-    wait_for("CPU 25 %", lambda: cpu.name == "25.00 %")
-    desktop.set_cpu(50)
-    wait_for("CPU 50 % at the next tick", lambda: cpu.name == "50.00 %", 3.5)  # a tick, and room for a loaded machine
     assert [window["app_id"] for window in wait_for("the window", sway_windows)] == [ID], sway_windows()
 
     print("== a panel started after the application shows the item, and shows it again after a restart")
@@ -170,7 +166,6 @@ def wayland(desktop):
             wait_for("the panel gone", lambda: not desktop.items() and not desktop.amber_glyph())
     service, path = re.fullmatch(r"([^/]+)(/.*)", item[0]).groups()
     assert "\u26a1\ufe0e Monitoring..." in str(desktop.prop(service, path, ITEM, "ToolTip")), "the title"
-    assert desktop.prop(service, path, ITEM, "Title") == "Corvane"
 
     print("== a CPU above 85 % brings one alert per cool-down, also across a restart of dunst")
     desktop.set_cpu(90)
@@ -191,47 +186,26 @@ def wayland(desktop):
              lambda: len(sent()) == 2 and run("dunstctl", "count", "displayed").strip() == "1", 14)
     assert sent()[1] - sent()[0] > 8, f"a second alert inside the cool-down: {sent()}"
 
-    print("== closing the window leaves the item; Open App brings the one window back")
+    print("== closing the window leaves the item; a second launch and a click on an alert bring the window back")
     def close():
         run("swaymsg", f"[app_id={ID}] kill")
         wait_for("the window closed", lambda: not sway_windows())
     close()
     time.sleep(1)  # proves a negative: an application that quits on close has done so by now
     assert desktop.app.poll() is None and desktop.items() == item, "closing the window ended it"
-    menu = desktop.prop(service, path, ITEM, "Menu")
-    entries = desktop.call(service, menu, MENU, "GetLayout", "(iias)", 0, -1, [])[1][2]
-    shown = [(props.get("label"), props.get("type"), props.get("shortcut")) for _, props, _ in entries]
-    assert shown == [("Open App", None, [["Control", "Shift", "O"]]), (None, "separator", None),
-                     ("Quit", None, [["Control", "Shift", "Q"]])], shown
-    ids = {props.get("label"): id for id, props, _ in entries}
-    click = lambda label: desktop.call(service, menu, MENU, "Event", "(isvu)", ids[label], "clicked",
-                                       GLib.Variant("i", 0), 0)
-    click("Open App")
-    window = wait_for("the window shown again", sway_windows)
-    click("Open App")
-    time.sleep(0.5)  # proves a negative: a second window would be mapped by now
-    assert len(sway_windows()) == 1, "Open App made a second window"
-    print("after Open App sway shows the window focused:", window[0]["focused"])
-
-    print("== a second launch, Activate over D-Bus and a click on an alert bring the running one's window back")
-    close()
     status, out, errors = desktop.launch_again("wayland", XDG_ACTIVATION_TOKEN="token-of-the-launcher")
     wait_for("the window shown by the second launch", sway_windows)
     assert (status, out, desktop.items(), len(sway_windows())) == (0, "", item, 1), (status, out, errors)
     close()
-    desktop.call(ID, "/" + ID.replace(".", "/"), "org.freedesktop.Application", "Activate", "(a{sv})", {})
-    wait_for("the window shown by Activate", sway_windows)
-    close()
-    for id in range(1, 4):  # another sender's signal about an id Corvane also has: not Corvane's alert
-        desktop.bus.emit_signal(None, "/org/freedesktop/Notifications", NOTIFICATIONS, "ActionInvoked",
-                                GLib.Variant("(us)", (id, "default")))
     wait_for("an alert on screen", lambda: run("dunstctl", "count", "displayed").strip() not in ("", "0"), 12)
-    assert not sway_windows(), "another application's click opened the window"
     run("dunstctl", "action", "0")
     wait_for("the window shown by the click on the alert", sway_windows)
-    assert len(sway_windows()) == 1
 
-    click("Quit")
+    print("== Quit in the item's menu ends it with status 0")
+    menu = desktop.prop(service, path, ITEM, "Menu")
+    quit, = (id for id, props, _ in desktop.call(service, menu, MENU, "GetLayout", "(iias)", 0, -1, [])[1][2]
+             if props.get("label") == "Quit")
+    desktop.call(service, menu, MENU, "Event", "(isvu)", quit, "clicked", GLib.Variant("i", 0), 0)
     status = desktop.app.wait(30)
     errors = text(desktop.app.errors)
     assert status == 0 and not re.search(r"ERROR: \w+Sanitizer|runtime error:", errors), (status, errors)
@@ -256,12 +230,7 @@ def x11(desktop):
     desktop.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName", "(su)",
                  NOTIFICATIONS, 0)
 
-    print("== two launches at the same instant leave one Corvane")
-    first, second = desktop.launch("xcb", "first"), desktop.launch("xcb", "second")
-    wait_for("one of the two gone", lambda: first.poll() is not None or second.poll() is not None)
-    time.sleep(1)  # proves a negative: had both ended, the other would have by now
-    gone, desktop.app = (first, second) if first.poll() is not None else (second, first)
-    assert gone.returncode == 0 and desktop.app.poll() is None and not text(gone.out)
+    desktop.app = desktop.launch("xcb")
 
     print("== what a screen reader finds, read while the notification service hangs; the desktop entry's WM class")
     window, values, chart = screen_reader()
@@ -284,12 +253,6 @@ def x11(desktop):
     print("== a second launch hands its startup id to the running one's window")
     assert desktop.launch_again("xcb", DESKTOP_STARTUP_ID="second-launch_TIME42")[0] == 0
     wait_for("the startup id on the window", lambda: "second-launch_TIME42" in run("xprop", "-id", window[0], "_NET_STARTUP_ID"))
-
-    print("== a running Corvane that does not answer: the next launch says so and ends with status 1")
-    os.kill(desktop.app.pid, signal.SIGSTOP)
-    status, out, errors = desktop.launch_again("xcb")
-    os.kill(desktop.app.pid, signal.SIGCONT)
-    assert status == 1 and f"(process {desktop.app.pid})" in errors and not out, (status, errors)
 
     print("== an X11 tray started after the application embeds the item")
     trayer = desktop.start("trayer", "--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24")

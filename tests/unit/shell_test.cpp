@@ -3,8 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QDBusPendingCall>
-#include <QRegularExpression>
+#include <QProcess>
 #include <QTest>
 
 #include "app/app_delegate.h"
@@ -73,74 +72,37 @@ TEST(Shell, LaunchAsksPermissionExportsTheItemAndFollowsTheTray) {
     EXPECT_FALSE(*answered);
 }
 
-// A panel's calls over the bus, from a connection of its own, as the table has them.
+// A panel's calls on the item and its menu, made by GLib's gdbus as the table writes them.
 TEST(Shell, PanelCallsOnTheItemAndItsMenuTable) {
-    using namespace corvane::testing;
     const QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         GTEST_SKIP() << "no session bus";
     }
-    const QDBusConnection panel =
-        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("panel"));
     std::string ran;
     QMenu menu;
     for (const char* label : {"Open App", "", "Quit"}) {
         QAction* action = *label ? menu.addAction(label) : menu.addSeparator();
         QObject::connect(action, &QAction::triggered, [&ran, label] { ran = label; });
     }
+    menu.actions().first()->setShortcut(QKeySequence("Ctrl+Shift+O"));
     const platform::DBusMenu exported(bus, QStringLiteral("/MenuBar"), &menu);
     const platform::StatusNotifierItem item(
         bus, {}, {}, [&](auto) { ran = "Open App"; }, 100ms);
-    for (const auto& c : caseTable("menu_calls")) {
-        const bool onMenu =
-            QString::fromStdString(c[0]).contains(QRegularExpression("^(Ev|Ge|Ab)"));
-        QDBusMessage call = QDBusMessage::createMethodCall(
-            bus.baseService(), onMenu ? "/MenuBar" : "/StatusNotifierItem",
-            onMenu ? "com.canonical.dbusmenu" : "org.kde.StatusNotifierItem",
-            QString::fromStdString(c[0]).remove("AsText"));
-        const auto a = words(c[1]);
-        const auto text = [&](int i) { return QString::fromStdString(a.at(i)); };
-        if (c[0] == "EventGroup") {
-            platform::MenuEventList events;
-            for (const auto& event : a) {
-                events.append({std::stoi(event),
-                               QString::fromStdString(event.substr(event.find(':') + 1)),
-                               QDBusVariant(0), 0});
-            }
-            call << QVariant::fromValue(events);
-        } else {
-            for (std::size_t i = 0; i < a.size(); ++i) {
-                const bool number = a[i].find_first_not_of("-0123456789") == std::string::npos;
-                call << (number && c[0] != "EventAsText" ? QVariant(std::stoi(a[i]))
-                                                         : QVariant(text(i)));
-            }
-        }
-        if (c[0].starts_with("Event") && c[0] != "EventGroup") {
-            call << QVariant::fromValue(QDBusVariant(0)) << 0u;
-        } else if (c[0] == "GetLayout") {
-            call << QStringList();
-        }
+    for (const auto& c : testing::caseTable("menu_calls")) {
+        const QString method = QString::fromStdString(c[0]);
+        QProcess gdbus;
+        gdbus.setProcessChannelMode(QProcess::MergedChannels);
+        gdbus.start("gdbus",
+                    QStringList{"call", "--session", "--dest", bus.baseService(), "--object-path",
+                                method.startsWith("com") ? "/MenuBar" : "/StatusNotifierItem",
+                                "--method", method, "--"} +
+                        QProcess::splitCommand(QString::fromStdString(c[1])));
         ran = "-";
-        const QDBusPendingCall pending = panel.asyncCall(call);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return pending.isFinished(); }, 5000)) << c.where;
+        ASSERT_TRUE(QTest::qWaitFor([&] { return gdbus.state() == QProcess::NotRunning; }, 5000));
         QCoreApplication::processEvents();  // the click's action runs after the answer
-        const QDBusMessage reply = pending.reply();
-        std::string answer =
-            reply.type() == QDBusMessage::ErrorMessage ? reply.errorName().toStdString() : "ok";
-        const QVariantList out = reply.arguments();
-        if (answer == "ok" && c[0] == "GetLayout") {
-            answer += " " + show(qdbus_cast<platform::MenuLayoutItem>(out.at(1)).children.size()) +
-                      " children";
-        } else if (answer == "ok" && c[0] == "GetProperty") {
-            answer += " " + qdbus_cast<QDBusVariant>(out.at(0)).variant().toString().toStdString();
-        } else if (answer == "ok" && c[0] == "EventGroup") {
-            for (const int id : qdbus_cast<QList<int>>(out.at(0))) {
-                answer += " " + show(id);
-            }
-        } else if (answer == "ok" && c[0] == "AboutToShow") {
-            answer += out.at(0).toBool() ? " true" : " false";
-        }
-        EXPECT_EQ(answer + " | " + ran, c[2] + " | " + c[3]) << c.where;
+        const std::string answer = gdbus.readAll().trimmed().toStdString();
+        EXPECT_NE(answer.find(c[2]), std::string::npos) << c.where << ": " << answer;
+        EXPECT_EQ(ran, c[3]) << c.where;
     }
 }
 
