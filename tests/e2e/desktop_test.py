@@ -11,7 +11,7 @@ area judged last), screen.png (at the failure), each program's output.
     desktop_test.py gnome APP FIXTURE     headless GNOME Shell with its AppIndicator extension (gnome.py)
 APP is the test build (corvane-test-app) that reads /proc and /sys below a copy of FIXTURE. The
 names the desktop knows the app by come from the desktop entry in packaging/."""
-import contextlib, glob, json, os, re, shutil, signal, subprocess, sys, tempfile, time
+import glob, json, os, re, shutil, signal, subprocess, sys, tempfile, time
 from gi.repository import Gio, GLib
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -272,11 +272,6 @@ def x11(desktop):
     assert desktop.app.wait(10) == 0, "closing the window after the tray ended did not end the application"
 
 
-def session(sid):
-    """The processes of session `sid` still alive (a zombie has ended: only its parent's wait is due)."""
-    return [line for line in run("ps", "-s", str(sid), "-o", "pid=,stat=,args=").splitlines() if "Z" not in line.split()[1]]
-
-
 def main():
     scenario, binary, fixture, *home = sys.argv[1:]
     if home:  # the desktop itself, in its folder, and none of the caller's
@@ -290,15 +285,10 @@ def main():
         except BaseException:
             "WAYLAND_DISPLAY" in os.environ and run("grim", f"{home[0]}/screen.png")
             raise
-        finally:  # each program with whatever it started: its process group
-            for child in reversed(desktop.children):
-                with contextlib.suppress(ProcessLookupError):
-                    os.killpg(child.pid, signal.SIGKILL)
-                child.wait()
         return print("ok")
-    # Run again in a folder of its own, as nobody when this is root, and in a session of its own:
-    # whatever the desktop leaves behind, even a daemon that one of its programs started and that
-    # outlived it, is found by its session id and ended.
+    # Run again in a folder of its own, as nobody when this is root, as the first process of a PID
+    # namespace: when it ends, the kernel ends whatever the desktop left behind, even a daemon
+    # that one of its programs started and that outlived it.
     home = tempfile.mkdtemp(prefix=f"corvane-{scenario}-")
     entry, = glob.glob(f"{HERE}/../../packaging/*.desktop")  # the one the package installs
     shutil.copy(entry, home)
@@ -308,24 +298,23 @@ def main():
         command[4:6] = shutil.copy(binary, f"{home}/input/app"), shutil.copytree(fixture, f"{home}/input/fixture")
         subprocess.run(["chown", "-R", "nobody:nogroup", home], check=True)
         command[:0] = ["setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups", "--"]
+    # The namespace's first process is a shell that keeps its user: a change of user would drop
+    # the signal by which unshare's end takes it along.
+    command[:0] = ["unshare", "--pid", "--fork", "--kill-child", "--mount-proc",
+                   *(["--user", "--map-current-user"] if os.getuid() else []), "--", "sh", "-c", '"$@"; exit $?', "sh"]
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))  # ctest's or the user's: clean up too
     signal.signal(signal.SIGHUP, lambda *_: sys.exit(129))
-    inner = subprocess.Popen(command, start_new_session=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+    inner = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
     status = 1
     try:
         with open(f"{home}/steps.log", "w") as log:
             for line in inner.stdout:
                 print(line, end="", flush=True)
                 log.write(line)
-            status = inner.wait()
-            if left := session(inner.pid):
-                for out in (log, sys.stdout):
-                    print("left running after the desktop ended:", *left, sep="\n  ", file=out)
-                status = status or 1
+        status = inner.wait()
     finally:
-        for line in session(inner.pid):
-            with contextlib.suppress(ProcessLookupError):
-                os.kill(int(line.split()[0]), signal.SIGKILL)
+        inner.kill()  # unshare's end takes the namespace with it
+        inner.wait()
         if status:
             shutil.rmtree(f"{home}/input", ignore_errors=True)
             print(f"kept what explains the failure in {home}")
