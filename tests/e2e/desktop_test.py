@@ -19,11 +19,11 @@ ITEM, MENU = "org.kde.StatusNotifierItem", "com.canonical.dbusmenu"
 NOTIFICATIONS = "org.freedesktop.Notifications"
 
 
-def wait_for(what, check, timeout=10.0):
+def wait_for(what, check, timeout=10.0, shown=lambda: ""):
     """check's first true answer within timeout seconds; the wait's length goes into the steps."""
     started = time.monotonic()
     while not (result := check()):
-        assert time.monotonic() < started + timeout, f"{what}: not within {timeout} s"
+        assert time.monotonic() < started + timeout, f"{what}: not within {timeout} s {shown()}"
         time.sleep(0.05)
     print(f"   {what}: {time.monotonic() - started:.2f} s")
     return result

@@ -43,12 +43,9 @@ def gnome(desktop):
         assert ok, (code, result)
         return json.loads(result or "null")
 
-    def indicator():
-        """The one indicator in the panel, once it shows the label; what the panel shows if it never does."""
-        try:
-            wait_for(f"one indicator labelled {LABEL!r}", lambda: shell("indicators().map(texts)") == [[LABEL]])
-        except AssertionError as error:
-            raise AssertionError(f"{error}; the panel shows {shell('indicators().map(texts)')}") from None
+    def indicator():  # the one indicator in the panel, once it shows the label
+        wait_for(f"one indicator labelled {LABEL!r}", lambda: shell("indicators().map(texts)") == [[LABEL]],
+                 shown=lambda: f"the panel shows {shell('indicators().map(texts)')}")
 
     def menu(item=None):
         """Opens the indicator's menu with a click: its items, or the item clicked in it."""
