@@ -38,10 +38,10 @@ def text(file):
 
 
 class Desktop:
-    """The bus, the accessibility bus, and every program started here; the machine the app reads."""
+    """The bus, the accessibility bus, the programs started here, and the machine the app reads."""
 
     def __init__(self, home, binary, fixture):
-        self.home, self.children, self.binary, self.root = home, [], binary, f"{home}/machine"
+        self.home, self.binary, self.root = home, binary, f"{home}/machine"
         entry, = glob.glob(f"{home}/*.desktop")
         self.id = os.path.basename(entry).removesuffix(".desktop")
         self.wm_class = re.search(r"^StartupWMClass=(.*)$", open(entry).read(), re.M)[1]
@@ -65,17 +65,14 @@ class Desktop:
 
     def start(self, *command, stdout=subprocess.DEVNULL, **env):
         errors = open(f"{self.home}/{os.path.basename(command[0])}.log", "a")
-        self.children.append(subprocess.Popen(command, env={**os.environ, **env}, stdout=stdout,
-                                              stderr=errors, process_group=0))
-        return self.children[-1]
+        return subprocess.Popen(command, env={**os.environ, **env}, stdout=stdout, stderr=errors)
 
     def launch(self, platform, name="app", **env):
         out, errors = (open(f"{self.home}/{name}.{kind}", "w+") for kind in ("out", "err"))
-        app = subprocess.Popen([self.binary, "--root", self.root], stdout=out, stderr=errors, process_group=0,
+        app = subprocess.Popen([self.binary, "--root", self.root], stdout=out, stderr=errors,
                                env={**os.environ, "QT_QPA_PLATFORM": platform, "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
                                     "LSAN_OPTIONS": f"suppressions={HERE}/lsan.supp:fast_unwind_on_malloc=0", **env})
         app.out, app.errors = out, errors
-        self.children.append(app)
         return app
 
     def launch_again(self, platform, **env):
