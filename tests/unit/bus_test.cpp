@@ -25,7 +25,8 @@ QDBusConnection connection(const QString& name) {
     return QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
 }
 
-// Holds `service` and answers every call (Notify: its next id, from 7), or lets it time out.
+// Holds `service` and answers every call (Notify: its next id, from 7; or nothing, or an error,
+// as `reply` says), or lets it time out.
 struct Server : QDBusVirtualObject {
     Server(const QString& name, const QString& path = {}, const QString& service = {},
            bool answers = true)
@@ -34,11 +35,15 @@ struct Server : QDBusVirtualObject {
     }
     QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& call, const QDBusConnection& via) override {
-        return !answers || via.send(call.createReply(++lastId));
+        ++calls;
+        return !answers || via.send(reply == "post-empty"   ? call.createReply()
+                                    : reply == "post-error" ? call.createErrorReply("a.B", "c")
+                                                            : call.createReply(++lastId));
     }
     QDBusConnection bus;
     bool answers;
-    uint lastId = 6;
+    uint lastId = 6, calls = 0;
+    std::string reply;
 };
 
 struct Clicks : NotificationCentreDelegate {
@@ -67,10 +72,11 @@ TEST(Bus, NotificationClicksThatOpenTheDashboardTable) {
             signal.setArguments(arguments);
             from.bus.send(signal);
         };
-        if (c[1] == "post") {
-            const uint before = from.lastId;
+        if (c[1].starts_with("post")) {
+            const uint before = from.calls;
+            from.reply = c[1];
             centre.add({"id", "CPU", "busy"});
-            ASSERT_TRUE(QTest::qWaitFor([&] { return from.lastId > before; }, 5000));
+            ASSERT_TRUE(QTest::qWaitFor([&] { return from.calls > before; }, 5000));
             own = from.lastId;
         } else if (c[1] == "restart") {
             from.bus.unregisterService(service);

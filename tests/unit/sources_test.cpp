@@ -114,6 +114,7 @@ TEST(Sources, KernelFilesRefuseFifosAndWhatIsTooLarge) {
     {
         KernelFile zero((tree.root() / "f").string());
         EXPECT_EQ(zero.read(), std::string(10000, '2'));
+        EXPECT_EQ(zero.read(), std::string(10000, '2')) << "read again through descriptor 0";
         EXPECT_TRUE(zero.isOpen()) << "0 is a descriptor like any other";
     }
     EXPECT_EQ(::fcntl(0, F_GETFD), -1) << "descriptor 0 left open";
