@@ -53,6 +53,7 @@ struct Clicks : NotificationCentreDelegate {
 };
 
 TEST(Bus, NotificationClicksThatOpenTheDashboardTable) {
+    CORVANE_SKIP_WITHOUT_SESSION_BUS();
     const QString service = freedesktop::kService, path = freedesktop::kPath;
     std::map<std::string, std::unique_ptr<Server>> peers;
     peers["other"] = std::make_unique<Server>("other");
@@ -104,6 +105,7 @@ TEST(Bus, NotificationClicksThatOpenTheDashboardTable) {
 // The first launch holds the name, a second hands its token over, a holder that does not answer
 // is named, and a bus that refuses the name still runs Corvane.
 TEST(Bus, OneCorvanePerSession) {
+    CORVANE_SKIP_WITHOUT_SESSION_BUS();
     QStringList activated;
     ApplicationService first([&](const QString& token) { activated << token; });
     ApplicationService second([&](const QString& token) { activated << "second " + token; });

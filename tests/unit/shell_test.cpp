@@ -72,6 +72,7 @@ TEST(Shell, LaunchAsksPermissionExportsTheItemAndFollowsTheTray) {
 
 // A panel's calls on the item and its menu, made by GLib's gdbus as the table writes them.
 TEST(Shell, PanelCallsOnTheItemAndItsMenuTable) {
+    CORVANE_SKIP_WITHOUT_SESSION_BUS();
     const QDBusConnection bus = QDBusConnection::sessionBus();
     std::string ran;
     QMenu menu;

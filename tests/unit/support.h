@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDBusConnection>
 #include <QString>
 #include <charconv>
 #include <cmath>
@@ -63,6 +64,11 @@ struct TempTree {
 };
 
 }  // namespace corvane::testing
+
+// The bus tests skip where there is no session bus; `make test` gives them a private one.
+#define CORVANE_SKIP_WITHOUT_SESSION_BUS()            \
+    if (!QDBusConnection::sessionBus().isConnected()) \
+    GTEST_SKIP() << "no session bus"
 
 inline void PrintTo(const QString& text, std::ostream* out) {
     *out << '"' << text.toStdString() << '"';
