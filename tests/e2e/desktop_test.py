@@ -152,15 +152,11 @@ def wayland(desktop):
     wait_for("Notification granted", lambda: text(desktop.app.out) == "Notification granted\n")
     assert [window["app_id"] for window in wait_for("the window", sway_windows)] == [ID], sway_windows()
 
-    print("== a panel started after the application shows the item, and shows it again after a restart")
-    for round in (1, 2):
-        waybar = desktop.start("waybar", "-c", f"{HERE}/waybar.json")
-        item = wait_for("the item registered with waybar", desktop.items, 5)
-        # waybar fetches the icon after the item registers: the amber glyph shows a moment later.
-        wait_for("the amber glyph in the panel's tray area", desktop.amber_glyph, 5)
-        if round == 1:
-            waybar.terminate()
-            wait_for("the panel gone", lambda: not desktop.items() and not desktop.amber_glyph())
+    print("== a panel started after the application shows the item (GNOME's lock restarts one)")
+    desktop.start("waybar", "-c", f"{HERE}/waybar.json")
+    item = wait_for("the item registered with waybar", desktop.items, 5)
+    # waybar fetches the icon after the item registers: the amber glyph shows a moment later.
+    wait_for("the amber glyph in the panel's tray area", desktop.amber_glyph, 5)
     service, path = re.fullmatch(r"([^/]+)(/.*)", item[0]).groups()
     assert "\u26a1\ufe0e Monitoring..." in str(desktop.prop(service, path, ITEM, "ToolTip")), "the title"
 
@@ -186,9 +182,7 @@ def wayland(desktop):
     def close():
         run("swaymsg", f"[app_id={ID}] kill")
         wait_for("the window closed", lambda: not sway_windows())
-    close()
-    time.sleep(1)  # proves a negative: an application that quits on close has done so by now
-    assert desktop.app.poll() is None and desktop.items() == item, "closing the window ended it"
+    close()  # had that ended it, the launch below would start a Corvane that does not end
     status, out, errors = desktop.launch_again("wayland", XDG_ACTIVATION_TOKEN="token-of-the-launcher")
     wait_for("the window shown by the second launch", sway_windows)
     assert (status, out, desktop.items(), len(sway_windows())) == (0, "", item, 1), (status, out, errors)
