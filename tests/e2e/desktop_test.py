@@ -164,9 +164,10 @@ def wayland(desktop):
     desktop.set_cpu(90)
     sent = lambda: [float(t) for t in re.findall(r"time=([\d.]+) .*member=Notify\n", text(desktop.traffic))]
     wait_for("the alert", lambda: len(sent()) == 1, 5)
-    # Its icon and desktop entry by the names the package installs, and its sound.
-    assert re.search(rf'string "{ID}"\s+string "High CPU Usage"[\s\S]*"desktop-entry"\s+variant\s+string "{ID}"'
-                     r'[\s\S]*"message-new-instant"', text(desktop.traffic)), "the alert's request"
+    # A new notification (replaces 0) with the icon and desktop entry the package installs, its
+    # sound, and the server's own display time (-1).
+    assert re.search(rf'uint32 0\s+string "{ID}"\s+string "High CPU Usage"[\s\S]*"desktop-entry"\s+variant\s+'
+                     rf'string "{ID}"[\s\S]*"message-new-instant"[\s\S]*int32 -1', text(desktop.traffic)), "the request"
     dunst.terminate()
     wait_for("dunst gone", lambda: not desktop.has_owner(NOTIFICATIONS))
     desktop.start("dunst")
