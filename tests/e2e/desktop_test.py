@@ -290,8 +290,9 @@ def main():
         subprocess.run(["chown", "-R", "nobody:nogroup", home], check=True)
         command[:0] = ["setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups", "--"]
     # The namespace's first process is a shell that keeps its user: a change of user would drop
-    # the signal by which unshare's end takes it along.
-    command[:0] = ["unshare", "--pid", "--fork", "--kill-child", "--mount-proc",
+    # the signal by which unshare's end takes it along. Its own /proc is LeakSanitizer's: it
+    # reads /proc/<its pid>/task. Only /proc turns private, since in a chroot / is no mount point.
+    command[:0] = ["unshare", "--pid", "--fork", "--kill-child", "--propagation", "unchanged", "--mount-proc",
                    *(["--user", "--map-current-user"] if os.getuid() else []), "--", "sh", "-c", '"$@"; exit $?', "sh"]
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))  # ctest's or the user's: clean up too
     signal.signal(signal.SIGHUP, lambda *_: sys.exit(129))
