@@ -5,6 +5,7 @@
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
+#include <memory>
 
 #include "platform/x11_tray_selection.h"
 
@@ -14,12 +15,17 @@ namespace {
 
 const QString kWatcher = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
+// Hosts that draw an item's label beside its icon, by the names their watcher's process owns.
+const QStringList kLabelHosts = {QStringLiteral("org.gnome.Shell"),
+                                 QStringLiteral("org.ayatana.indicator.application")};
 
 }  // namespace
 
 TrayWatcher::TrayWatcher(QDBusConnection bus, std::chrono::milliseconds timeout, QObject* parent)
     : QObject(parent), bus_(std::move(bus)), timeout_(timeout), x11_(new X11TraySelection(this)) {
     connect(x11_, &X11TraySelection::changed, this, &TrayWatcher::settle);
+    again_.setSingleShot(true);
+    connect(&again_, &QTimer::timeout, this, &TrayWatcher::ask);
     if (bus_.isConnected()) {
         auto* names =
             new QDBusServiceWatcher(kWatcher, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
@@ -34,6 +40,12 @@ TrayWatcher::TrayWatcher(QDBusConnection bus, std::chrono::milliseconds timeout,
 }
 
 void TrayWatcher::askForHost() {
+    backoff_.reset();
+    ask();
+}
+
+void TrayWatcher::ask() {
+    again_.stop();
     const quint64 question = ++question_;
     if (!bus_.isConnected()) {
         host_ = Host::Absent;
@@ -58,15 +70,42 @@ void TrayWatcher::askForHost() {
         if (error == QDBusError::NoError) {
             host_ = reply.value().variant().toBool() ? Host::Present : Host::Absent;
             if (host_ == Host::Present) {
-                emit statusNotifierHostReady();
+                findLabelHost(question, call->reply().service());
             }
         } else {
             // Nobody owns the name: no watcher. Anything else (no reply in time, a broken
             // watcher) would hang the blocking check of Qt's XEmbed item.
             host_ = error == QDBusError::ServiceUnknown ? Host::Absent : Host::Stuck;
+            if (host_ == Host::Stuck) {
+                again_.start(backoff_.next());
+            }
         }
         settle();
     });
+}
+
+// The bus itself answers, at once, which process owns a name. Ayatana's indicator service owns
+// the watcher's name on a connection of its own.
+void TrayWatcher::findLabelHost(quint64 question, const QString& watcherOwner) {
+    const QStringList names = QStringList{watcherOwner} + kLabelHosts;
+    auto processes = std::make_shared<QList<uint>>(names.size(), 0);
+    auto unanswered = std::make_shared<qsizetype>(names.size());
+    for (qsizetype i = 0; i < names.size(); ++i) {
+        QDBusMessage owner = QDBusMessage::createMethodCall(
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetConnectionUnixProcessID"));
+        owner << names[i];
+        auto* call = new QDBusPendingCallWatcher(bus_.asyncCall(owner), this);
+        connect(call, &QDBusPendingCallWatcher::finished, this, [=, this] {
+            call->deleteLater();
+            const QDBusPendingReply<uint> reply = *call;
+            (*processes)[i] = reply.isError() ? 0 : reply.value();
+            if (--*unanswered == 0 && question == question_) {
+                const uint watcher = processes->first();
+                emit statusNotifierHostReady(watcher != 0 && processes->lastIndexOf(watcher) > 0);
+            }
+        });
+    }
 }
 
 // A stuck watcher is no tray: its panel shows nothing, and Qt's own check would block on it.

@@ -2,7 +2,10 @@
 
 #include <QDBusConnection>
 #include <QObject>
+#include <QTimer>
 #include <chrono>
+
+#include "platform/backoff.h"
 
 namespace corvane::platform {
 
@@ -22,8 +25,10 @@ enum class SystemTray { None, StatusNotifier, XEmbed };
 class TrayWatcher : public QObject {
     Q_OBJECT
   public:
-    // A watcher that has not answered within `timeout` counts as stuck: it shows nothing, and
-    // no XEmbed item is made while it is there, since Qt's own check would then block.
+    // A watcher that has not answered within `timeout`, or answered with an error, counts as
+    // stuck until it answers: it shows nothing, and no XEmbed item is made while it is there,
+    // since Qt's own check would then block. It is asked again after a backoff, as long as it
+    // has its name: a panel still starting at login answers so, then works without a signal.
     TrayWatcher(QDBusConnection bus, std::chrono::milliseconds timeout, QObject* parent = nullptr);
 
   signals:
@@ -31,14 +36,19 @@ class TrayWatcher : public QObject {
     void trayChanged(corvane::platform::SystemTray tray);
     // A StatusNotifier watcher answered that it has a host: after a new watcher took the name, or
     // a host registered. Items register then, not before: a host that is still starting drops an
-    // item that the watcher announces before the host listens (seen with waybar).
-    void statusNotifierHostReady();
+    // item that the watcher announces before the host listens (seen with waybar). `drawsLabel`:
+    // the host draws the item's label as text (GNOME Shell's AppIndicator extension, the Ayatana
+    // indicators of MATE and others), told by the watcher's owner also owning the host's name.
+    void statusNotifierHostReady(bool drawsLabel);
 
   private slots:
+    // A new watcher, or a new host: asked at once, backoff anew.
     void askForHost();
 
   private:
     enum class Host { Unknown, Absent, Present, Stuck };
+    void ask();
+    void findLabelHost(quint64 question, const QString& watcherOwner);
     void settle();
 
     QDBusConnection bus_;
@@ -47,6 +57,8 @@ class TrayWatcher : public QObject {
     quint64 question_ = 0;  // answers to older questions are stale
     SystemTray tray_ = SystemTray::None;
     X11TraySelection* x11_;
+    Backoff backoff_;
+    QTimer again_;
 };
 
 }  // namespace corvane::platform
