@@ -9,6 +9,7 @@
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusPendingCall>
+#include <QDir>
 #include <QMenu>
 #include <QProcess>
 #include <QSemaphore>
@@ -180,19 +181,21 @@ int main(int argc, char** argv) {
                      });
     QMenu menu;
     menu.addAction(QStringLiteral("Open App"));
+    auto activation = std::make_shared<corvane::platform::PanelActivation>();
     corvane::platform::DBusMenu exported(QDBusConnection::sessionBus(), QStringLiteral("/MenuBar"),
-                                         &menu);
+                                         &menu, activation);
     corvane::platform::StatusNotifierItem item(
         QDBusConnection::sessionBus(),
         {QStringLiteral("bench"),
          QStringLiteral("Bench"),
          QStringLiteral("\u26A1 Monitoring..."),
          corvane::app::trayGlyphIcon(QStringLiteral("\u26A1"), Qt::yellow),
-         {}},
-        QDBusObjectPath(QStringLiteral("/MenuBar")), [](const QString&) {},
+         QStringLiteral("bench")},
+        QDBusObjectPath(QStringLiteral("/MenuBar")), [](const QString&) {}, activation,
+        QDir::temp().filePath(QStringLiteral("corvane-bench-icons")),
         std::chrono::milliseconds(2000));
     QObject::connect(&tray, &corvane::platform::TrayWatcher::statusNotifierHostReady, &item,
-                     [&item] { item.registerWithWatcher(); });
+                     &corvane::platform::StatusNotifierItem::registerWithWatcher);
     const double gap = worstGapMs(5000, [&](int tick) { watcher.setUp(tick % 4 < 2); });
     std::printf("%-34s %14.2f   (%d appearances seen)\n", "watcher appearing and leaving", gap,
                 appearances);

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCursor>
 #include <QKeySequence>
 
 #include "app/status_title.h"
@@ -49,11 +50,10 @@ void AppDelegate::applicationDidFinishLaunching() {
     // the application, or end and start again.
     QApplication::setQuitOnLastWindowClosed(true);
     const QString id = QString::fromLatin1(platform::kApplicationId);
-    facilities_.showStatusItem(
+    menuClickToken_ = facilities_.showStatusItem(
         this,
         {id, QStringLiteral("Corvane"), QString::fromUtf8(kStatusTitle),
-         trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour),
-         platform::installedIconName(id)},
+         trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour), id},
         menu_.get(), [this](const QString& token) { openApp(token); },
         [this](platform::SystemTray tray) {
             QApplication::setQuitOnLastWindowClosed(tray == platform::SystemTray::None);
@@ -65,7 +65,8 @@ void AppDelegate::buildMenu() {
     menu_ = std::make_unique<QMenu>();
     QAction* open = menu_->addAction(QStringLiteral("Open App"));
     open->setShortcut(QKeySequence(Qt::SHIFT | Qt::CTRL | Qt::Key_O));
-    connect(open, &QAction::triggered, this, [this] { openApp(); });
+    connect(open, &QAction::triggered, this,
+            [this] { openApp(menuClickToken_ ? menuClickToken_() : QString()); });
     menu_->addSeparator();
     QAction* quit = menu_->addAction(QStringLiteral("Quit"));
     quit->setShortcut(QKeySequence(Qt::SHIFT | Qt::CTRL | Qt::Key_Q));
@@ -80,6 +81,13 @@ void AppDelegate::showXEmbedItem(bool shown) {
         xembedItem_->setToolTip(QString::fromUtf8(kStatusTitle));
         xembedItem_->setIcon(trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour));
         xembedItem_->setContextMenu(menu_.get());
+        // A left click opens the menu too, as on every other panel.
+        connect(xembedItem_.get(), &QSystemTrayIcon::activated, this,
+                [this](QSystemTrayIcon::ActivationReason reason) {
+                    if (reason == QSystemTrayIcon::Trigger) {
+                        menu_->popup(QCursor::pos());
+                    }
+                });
     }
     if (xembedItem_) {
         xembedItem_->setVisible(shown);

@@ -48,6 +48,7 @@ class AppDelegate : public QObject, public platform::NotificationCentreDelegate 
     void showXEmbedItem(bool shown);
 
     ShellFacilities facilities_;
+    std::function<QString()> menuClickToken_;
     QPointer<platform::NotificationCentre> centre_;
     QPointer<QWidget> window_;
     // Declared before the item so that the item, which points at it, goes first.

@@ -1,6 +1,7 @@
 #include "app/shell_facilities.h"
 
 #include <QDBusConnection>
+#include <QStandardPaths>
 #include <cstdio>
 
 #include "app/standard_output.h"
@@ -26,15 +27,20 @@ ShellFacilities desktopShellFacilities() {
                                    std::function<void(platform::SystemTray)> trayChanged) {
         const QDBusConnection bus = QDBusConnection::sessionBus();
         const QString menuPath = QStringLiteral("/MenuBar");
-        new platform::DBusMenu(bus, menuPath, menu, context);
-        auto* item =
-            new platform::StatusNotifierItem(bus, std::move(look), QDBusObjectPath(menuPath),
-                                             std::move(activate), kPanelLimit, context);
+        auto activation = std::make_shared<platform::PanelActivation>();
+        new platform::DBusMenu(bus, menuPath, menu, activation, context);
+        // Per session, and gone with it: the icon for panels that load it by name.
+        const QString icons =
+            QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + "/" + look.id;
+        auto* item = new platform::StatusNotifierItem(
+            bus, std::move(look), QDBusObjectPath(menuPath), std::move(activate), activation, icons,
+            kPanelLimit, context);
         auto* tray = new platform::TrayWatcher(bus, kPanelLimit, context);
         QObject::connect(tray, &platform::TrayWatcher::statusNotifierHostReady, item,
-                         [item] { item->registerWithWatcher(); });
+                         &platform::StatusNotifierItem::registerWithWatcher);
         QObject::connect(tray, &platform::TrayWatcher::trayChanged, context,
                          std::move(trayChanged));
+        return [activation] { return activation->menuClickToken(); };
     };
     facilities.printLine = &printLineToStandardOutput;
     // Read now, before the application object exists: Qt takes the startup id out of the

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QDBusError>
 #include <QKeySequence>
+#include <algorithm>
 
 namespace corvane::platform {
 
@@ -31,16 +32,33 @@ MenuShortcut shortcutOf(const QKeySequence& sequence) {
     return shortcut;
 }
 
+QList<int> distinct(QList<int> ids) {
+    std::sort(ids.begin(), ids.end());
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+    return ids;
+}
+
 }  // namespace
 
-DBusMenu::DBusMenu(QDBusConnection bus, const QString& path, QMenu* menu, QObject* parent)
-    : QObject(parent), menu_(menu) {
+DBusMenu::DBusMenu(QDBusConnection bus, const QString& path, QMenu* menu,
+                   std::shared_ptr<PanelActivation> activation, QObject* parent)
+    : QObject(parent), menu_(menu), activation_(std::move(activation)) {
     registerMenuTypes();
     bus.registerObject(path, this, QDBusConnection::ExportAllContents);
 }
 
 bool DBusMenu::exists(int id) const {
     return id == 0 || (menu_ && id > 0 && id <= menu_->actions().size());
+}
+
+QList<int> DBusMenu::own(const QList<int>& ids) const {
+    QList<int> found;
+    for (int id = 0; exists(id); ++id) {
+        if (ids.contains(id)) {
+            found.append(id);
+        }
+    }
+    return found;
 }
 
 // Only what differs from dbusmenu's defaults (a visible, enabled, standard item) is sent.
@@ -93,10 +111,8 @@ uint DBusMenu::GetLayout(int parentId, int recursionDepth, const QStringList& pr
 QList<MenuItemProperties> DBusMenu::GetGroupProperties(const QList<int>& ids,
                                                        const QStringList& propertyNames) {
     MenuItemPropertiesList found;
-    for (const int id : ids) {
-        if (exists(id)) {
-            found.append({id, properties(id, propertyNames)});
-        }
+    for (const int id : own(ids)) {
+        found.append({id, properties(id, propertyNames)});
     }
     return found;
 }
@@ -111,22 +127,33 @@ QDBusVariant DBusMenu::GetProperty(int id, const QString& name) {
     return QDBusVariant(all.value(name));
 }
 
-void DBusMenu::Event(int id, const QString& eventId, const QDBusVariant&, uint) {
-    exists(id) ? click(id, eventId) : refuse(id);
+void DBusMenu::Event(int id, const QString& eventId, const QDBusVariant&, uint timestamp) {
+    exists(id) ? click(id, eventId, timestamp) : refuse(id);
 }
 
+// However often a group names an item, the item is clicked once, and an id the menu lacks is
+// reported once.
 QList<int> DBusMenu::EventGroup(const QList<MenuEvent>& events) {
-    QList<int> unknown;
+    QList<int> clicked, unknown;
     for (const MenuEvent& event : events) {
-        exists(event.id) ? click(event.id, event.eventId) : unknown.append(event.id);
+        if (!exists(event.id)) {
+            unknown.append(event.id);
+        } else if (!clicked.contains(event.id)) {
+            if (event.eventId == QLatin1String("clicked")) {
+                clicked.append(event.id);
+            }
+            click(event.id, event.eventId, event.timestamp);
+        }
     }
-    if (!unknown.isEmpty() && unknown.size() == events.size()) {
+    if (!events.isEmpty() && unknown.size() == events.size()) {
         sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("no such menu items"));
     }
-    return unknown;
+    return distinct(unknown);
 }
 
+// A menu about to open is no click: a token handed over for it is not the next click's.
 bool DBusMenu::AboutToShow(int id) {
+    activation_->drop();
     if (!exists(id)) {
         refuse(id);
     }
@@ -134,23 +161,35 @@ bool DBusMenu::AboutToShow(int id) {
 }
 
 QList<int> DBusMenu::AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors) {
+    activation_->drop();
     for (const int id : ids) {
         if (!exists(id)) {
             idErrors.append(id);
         }
     }
+    idErrors = distinct(idErrors);
     return {};
 }
 
 // Hosts also report "hovered", "opened" and "closed": only a click acts. The action runs once
 // the answer is on its way, so that "Quit" never leaves the host waiting.
-void DBusMenu::click(int id, const QString& eventId) {
+void DBusMenu::click(int id, const QString& eventId, uint timestamp) {
+    if (eventId == QLatin1String("opened")) {
+        activation_->drop();
+    }
     if (id == 0 || eventId != QLatin1String("clicked")) {
         return;
     }
     QAction* action = menu_->actions().at(id - 1);
     if (!action->isSeparator() && action->isEnabled()) {
-        QMetaObject::invokeMethod(action, &QAction::trigger, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this,
+            [this, action = QPointer<QAction>(action), token = activation_->spend(timestamp)] {
+                if (action) {
+                    activation_->runMenuClick(*action, token);
+                }
+            },
+            Qt::QueuedConnection);
     }
 }
 

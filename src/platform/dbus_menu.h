@@ -7,15 +7,19 @@
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
+#include <memory>
 
 #include "platform/dbus_menu_types.h"
+#include "platform/panel_activation.h"
 
 namespace corvane::platform {
 
 // A menu of the shell exported as com.canonical.dbusmenu at `path`, as StatusNotifier panels
 // show an item's menu: the menu's actions are items 1, 2, ... under the root 0, read afresh at
-// every call; "clicked" triggers the action from the event loop, after the answer. An unknown
-// item answers org.freedesktop.DBus.Error.InvalidArgs and triggers nothing.
+// every call; "clicked" triggers the action from the event loop, after the answer, with the
+// activation the panel handed over for it. An unknown item answers
+// org.freedesktop.DBus.Error.InvalidArgs and triggers nothing; a group call answers for the
+// menu's own items, each once, however many ids it names.
 class DBusMenu : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.canonical.dbusmenu")
@@ -24,7 +28,8 @@ class DBusMenu : public QObject, protected QDBusContext {
     Q_PROPERTY(QString Status READ status)
     Q_PROPERTY(QStringList IconThemePath READ iconThemePath)
   public:
-    DBusMenu(QDBusConnection bus, const QString& path, QMenu* menu, QObject* parent = nullptr);
+    DBusMenu(QDBusConnection bus, const QString& path, QMenu* menu,
+             std::shared_ptr<PanelActivation> activation, QObject* parent = nullptr);
 
     uint version() const { return 3; }
     QString textDirection() const { return QStringLiteral("ltr"); }
@@ -48,11 +53,14 @@ class DBusMenu : public QObject, protected QDBusContext {
 
   private:
     bool exists(int id) const;
+    // The menu's own ids among `ids`, each once, in the menu's order.
+    QList<int> own(const QList<int>& ids) const;
     QVariantMap properties(int id, const QStringList& names) const;
-    void click(int id, const QString& eventId);
+    void click(int id, const QString& eventId, uint timestamp);
     void refuse(int id);
 
     QPointer<QMenu> menu_;
+    std::shared_ptr<PanelActivation> activation_;
 };
 
 }  // namespace corvane::platform

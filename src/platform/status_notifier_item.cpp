@@ -1,11 +1,13 @@
 #include "platform/status_notifier_item.h"
 
+#include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
-#include <QStandardPaths>
-#include <QTimer>
+#include <QPixmap>
 #include <utility>
+
+#include "platform/icon_folder.h"
 
 namespace corvane::platform {
 
@@ -16,74 +18,116 @@ const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
 const QString kItemPath = QStringLiteral("/StatusNotifierItem");
 // Long enough for a host to have read the item after the first registration.
 constexpr std::chrono::milliseconds kFollowUp{1000};
+// RequestName's flag and answer, as the bus daemon numbers them.
+constexpr uint kDoNotQueue = 4;
+constexpr uint kPrimaryOwner = 1;
+
+QString emptyIconName(const QString& name) {
+    return name + QStringLiteral("-empty");
+}
+
+QIcon emptyIcon() {
+    QPixmap empty(16, 16);
+    empty.fill(Qt::transparent);
+    return QIcon(empty);
+}
 
 }  // namespace
 
-QString installedIconName(const QString& name) {
-    const QString file = QStringLiteral("icons/hicolor/scalable/apps/%1.svg").arg(name);
-    return QStandardPaths::locate(QStandardPaths::GenericDataLocation, file).isEmpty() ? QString()
-                                                                                       : name;
-}
-
 StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, StatusItemLook look,
                                        QDBusObjectPath menu, ActivateHandler activate,
-                                       std::chrono::milliseconds timeout, QObject* parent)
+                                       std::shared_ptr<PanelActivation> activation,
+                                       const QString& iconFolder, std::chrono::milliseconds timeout,
+                                       QObject* parent)
     : QObject(parent),
       bus_(std::move(bus)),
       look_(std::move(look)),
       menu_(std::move(menu)),
       activate_(std::move(activate)),
+      activation_(std::move(activation)),
       timeout_(timeout) {
+    again_.setSingleShot(true);
+    connect(&again_, &QTimer::timeout, this, &StatusNotifierItem::sendRegistration);
     if (!bus_.isConnected()) {
         return;
+    }
+    // An installed icon is the theme's; only the empty one is always Corvane's own.
+    const bool installed = !installedIconName(look_.iconName).isEmpty();
+    if ((installed || writeIconFolder(iconFolder, look_.iconName, look_.icon)) &&
+        writeIconFolder(iconFolder, emptyIconName(look_.iconName), emptyIcon())) {
+        iconFolder_ = iconFolder;
     }
     qDBusRegisterMetaType<IconPixmap>();
     qDBusRegisterMetaType<IconPixmaps>();
     qDBusRegisterMetaType<ToolTip>();
     bus_.registerObject(kItemPath, this, QDBusConnection::ExportAllContents);
+    // Registered under a name of its own, as StatusNotifier items are: GNOME's extension also
+    // looks for items on the bus by itself, after each lock, and would key the item found
+    // under the application's other name apart from the one registered, showing it twice. The
+    // bus answers at once; should it refuse, the connection's unique name serves.
+    const QString name =
+        QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid());
+    QDBusMessage request = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("RequestName"));
+    request << name << kDoNotQueue;
+    const QDBusMessage owned = bus_.call(request, QDBus::Block, static_cast<int>(timeout_.count()));
+    service_ = owned.arguments().value(0).toUInt() == kPrimaryOwner ? name : bus_.baseService();
 }
 
-// Registered by the connection's unique name: the watcher finds the item at the usual path.
-void StatusNotifierItem::registerWithWatcher(bool followUp) {
+QString StatusNotifierItem::iconName() const {
+    return drawsLabel_ ? emptyIconName(look_.iconName) : look_.iconName;
+}
+
+void StatusNotifierItem::registerWithWatcher(bool drawsLabel) {
+    if (std::exchange(drawsLabel_, drawsLabel) != drawsLabel) {
+        emit NewIcon();
+    }
+    backoff_.reset();
+    followUp_ = true;
+    sendRegistration();
+}
+
+// The watcher finds the item at the usual path.
+void StatusNotifierItem::sendRegistration() {
+    again_.stop();
     QDBusMessage message = QDBusMessage::createMethodCall(
         kWatcher, kWatcherPath, kWatcher, QStringLiteral("RegisterStatusNotifierItem"));
-    message << bus_.baseService();
+    message << service_;
     auto* call = new QDBusPendingCallWatcher(
         bus_.asyncCall(message, static_cast<int>(timeout_.count())), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this,
-            [this, followUp](QDBusPendingCallWatcher* done) {
-                done->deleteLater();
-                if (done->isError()) {
-                    return;
-                }
-                announce();
-                if (followUp) {
-                    QTimer::singleShot(kFollowUp, this, [this] { registerWithWatcher(false); });
-                }
-            });
-}
-
-// Hosts that read the item while the watcher was still handing it over draw it anew.
-void StatusNotifierItem::announce() {
-    emit NewTitle();
-    emit NewIcon();
-    emit NewToolTip();
-    emit NewStatus(status());
-    emit XAyatanaNewLabel(look_.text, look_.text);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* done) {
+        done->deleteLater();
+        // A watcher still starting at login answers late, or with an error, and then works
+        // without a word: ask again. One that has gone away is asked by its successor's host.
+        if (done->isError()) {
+            if (done->error().type() != QDBusError::ServiceUnknown) {
+                again_.start(backoff_.next());
+            }
+        } else if (std::exchange(followUp_, false)) {
+            again_.start(kFollowUp);
+        }
+    });
 }
 
 void StatusNotifierItem::Activate(int, int) {
-    activate_(std::exchange(token_, QString()));
+    activate_(activation_->spend());
 }
 
-void StatusNotifierItem::SecondaryActivate(int, int) {}
+void StatusNotifierItem::SecondaryActivate(int, int) {
+    activation_->drop();
+}
 
-void StatusNotifierItem::ContextMenu(int, int) {}
+void StatusNotifierItem::ContextMenu(int, int) {
+    activation_->drop();
+}
 
-void StatusNotifierItem::Scroll(int, const QString&) {}
+void StatusNotifierItem::Scroll(int, const QString&) {
+    activation_->drop();
+}
 
 void StatusNotifierItem::ProvideXdgActivationToken(const QString& token) {
-    token_ = token;
+    activation_->provide(token);
 }
 
 }  // namespace corvane::platform

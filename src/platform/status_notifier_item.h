@@ -4,9 +4,13 @@
 #include <QDBusObjectPath>
 #include <QIcon>
 #include <QObject>
+#include <QTimer>
 #include <chrono>
 #include <functional>
+#include <memory>
 
+#include "platform/backoff.h"
+#include "platform/panel_activation.h"
 #include "platform/status_notifier_types.h"
 
 namespace corvane::platform {
@@ -17,19 +21,19 @@ struct StatusItemLook {
     QString title;     // the application's name, in hosts' lists and screen readers
     QString text;      // the label panels draw beside the icon, and the tool tip's title
     QIcon icon;        // drawn at each of its sizes for panels that take images
-    QString iconName;  // the installed icon's name for panels that load it themselves; or empty
+    QString iconName;  // for panels that load the icon by name: the installed application icon
 };
-
-// `name` when an icon of that name is installed where desktops look for application icons;
-// empty otherwise, as when the application runs from its build folder.
-QString installedIconName(const QString& name);
 
 // The application's tray item as StatusNotifier panels (KDE, GNOME's AppIndicator extension,
 // waybar, Xfce, LXQt) take it: org.kde.StatusNotifierItem at /StatusNotifierItem, with the
 // AppIndicator label that GNOME's extension draws as text, and the menu exported at `menu`. It
-// answers every property from the moment it exists, and announces itself again once each
-// registration is accepted, so that a host that read it early still draws all of it. Nothing
+// answers every property from the moment it exists and announces only what changes. Nothing
 // here waits on the bus.
+//
+// Panels that load the icon by name (MATE's indicator applet, LXQt) find it in `iconFolder`,
+// named in IconThemePath, when it is not installed. Where the panel draws the label, the label
+// is the title, read once: the icon is then an empty image, since the title begins with the
+// glyph itself.
 class StatusNotifierItem : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
@@ -38,7 +42,7 @@ class StatusNotifierItem : public QObject {
     Q_PROPERTY(QString Title READ title)
     Q_PROPERTY(QString Status READ status)
     Q_PROPERTY(int WindowId READ windowId)
-    Q_PROPERTY(QString IconThemePath READ none)
+    Q_PROPERTY(QString IconThemePath READ iconThemePath)
     Q_PROPERTY(QString IconName READ iconName)
     Q_PROPERTY(QList<corvane::platform::IconPixmap> IconPixmap READ iconPixmap)
     Q_PROPERTY(QString OverlayIconName READ none)
@@ -51,13 +55,15 @@ class StatusNotifierItem : public QObject {
     Q_PROPERTY(QDBusObjectPath Menu READ menu)
     Q_PROPERTY(QString XAyatanaLabel READ label)
     Q_PROPERTY(QString XAyatanaLabelGuide READ label)
+    Q_PROPERTY(QString IconAccessibleDesc READ label)
   public:
     using ActivateHandler = std::function<void(const QString& activationToken)>;
 
-    // A watcher that has not answered a registration within `timeout` is left alone until
-    // its name changes hands.
+    // A registration the watcher has not answered within `timeout`, or refused, is made again
+    // after a backoff, for as long as the watcher has its name.
     StatusNotifierItem(QDBusConnection bus, StatusItemLook look, QDBusObjectPath menu,
-                       ActivateHandler activate, std::chrono::milliseconds timeout,
+                       ActivateHandler activate, std::shared_ptr<PanelActivation> activation,
+                       const QString& iconFolder, std::chrono::milliseconds timeout,
                        QObject* parent = nullptr);
 
     QString category() const { return QStringLiteral("ApplicationStatus"); }
@@ -66,9 +72,10 @@ class StatusNotifierItem : public QObject {
     QString status() const { return QStringLiteral("Active"); }
     int windowId() const { return 0; }
     QString none() const { return {}; }
-    QString iconName() const { return look_.iconName; }
+    QString iconThemePath() const { return iconFolder_; }
+    QString iconName() const;
     // Drawn when asked rather than kept: hosts ask once per registration.
-    IconPixmaps iconPixmap() const { return iconPixmaps(look_.icon); }
+    IconPixmaps iconPixmap() const { return drawsLabel_ ? IconPixmaps() : iconPixmaps(look_.icon); }
     IconPixmaps noPixmaps() const { return {}; }
     ToolTip toolTip() const { return {{}, {}, look_.text, {}}; }
     bool itemIsMenu() const { return true; }
@@ -81,7 +88,7 @@ class StatusNotifierItem : public QObject {
     void SecondaryActivate(int x, int y);
     void ContextMenu(int x, int y);
     void Scroll(int delta, const QString& orientation);
-    // KDE hands the click's activation token over just before Activate.
+    // KDE hands a click's activation token over just before Activate or a menu click.
     void ProvideXdgActivationToken(const QString& token);
 
   signals:
@@ -92,23 +99,27 @@ class StatusNotifierItem : public QObject {
     void XAyatanaNewLabel(const QString& label, const QString& guide);
 
   public:
-    // Registers with the session's StatusNotifier watcher; to be called each time it has a host.
-    // A second registration follows an accepted one a second later: GNOME 48's extension reads
-    // the label with every other property at registration but draws it only when the label
-    // changes or the item registers again (and a label that changed would show nothing at
-    // first everywhere else).
-    void registerWithWatcher() { registerWithWatcher(true); }
+    // Registers with the session's StatusNotifier watcher; to be called each time it has a host,
+    // saying whether that host draws the label. A second registration follows the first one
+    // accepted a second later: GNOME 48's extension reads the label with every other property
+    // at registration but draws it only when the label changes or the item registers again.
+    void registerWithWatcher(bool drawsLabel);
 
   private:
-    void registerWithWatcher(bool followUp);
-    void announce();
+    void sendRegistration();
 
     QDBusConnection bus_;
     StatusItemLook look_;
     QDBusObjectPath menu_;
     ActivateHandler activate_;
+    std::shared_ptr<PanelActivation> activation_;
+    QString service_;  // the name the item registers by
+    QString iconFolder_;
     std::chrono::milliseconds timeout_;
-    QString token_;
+    bool drawsLabel_ = false;
+    bool followUp_ = false;
+    Backoff backoff_;
+    QTimer again_;
 };
 
 }  // namespace corvane::platform

@@ -24,6 +24,12 @@ void setStartupId(QWidget& window, const QByteArray& id) {
 
 }  // namespace
 
+QString x11StartupId(unsigned time) {
+    return time != 0 && x11Connection() != nullptr
+               ? QStringLiteral("corvane-click_TIME%1").arg(time)
+               : QString();
+}
+
 void bringToFront(QWidget& window, const QString& activationToken) {
     if (!activationToken.isEmpty()) {
         if (QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) {

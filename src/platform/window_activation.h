@@ -11,4 +11,9 @@ namespace corvane::platform {
 // window that carries one come to the front while another application is active.
 void bringToFront(QWidget& window, const QString& activationToken);
 
+// On X11, a startup id that carries a click's time (freedesktop startup-notification: "_TIME"
+// and the time), which window managers weigh against focus stealing like a launcher's; empty
+// elsewhere, or for time 0.
+QString x11StartupId(unsigned time);
+
 }  // namespace corvane::platform

@@ -106,8 +106,14 @@ class Desktop:
         """Whether the right end of the panel, where waybar draws its tray, shows the amber glyph."""
         subprocess.run(["grim", "-t", "ppm", "-g", "900,0 124x24", f"{self.home}/tray.ppm"], check=True)
         with open(f"{self.home}/tray.ppm", "rb") as ppm:
-            pixels = ppm.read()[-124 * 24 * 3:]
-        return any(r > 200 and 120 < g < 220 and b < 80 for r, g, b in zip(*[iter(pixels)] * 3))
+            return amber(ppm.read()[-124 * 24 * 3:])
+
+
+def amber(pixels):
+    """Whether an image (RGB bytes, or a pixbuf) shows the glyph's amber."""
+    step = 3 if isinstance(pixels, bytes) else pixels.get_n_channels()
+    pixels = pixels if isinstance(pixels, bytes) else pixels.get_pixels()
+    return any(r > 200 and 120 < g < 220 and b < 80 for r, g, b in (pixels[i:i + 3] for i in range(0, len(pixels), step)))
 
 
 def screen_reader(desktop):
@@ -246,11 +252,21 @@ def x11(desktop):
     print("== a second launch hands its startup id to the running one's window")
     assert desktop.launch_again("xcb", DESKTOP_STARTUP_ID="second-launch_TIME42")[0] == 0
     wait_for("the startup id on the window", lambda: "second-launch_TIME42" in run("xprop", "-id", window[0], "_NET_STARTUP_ID"))
+    print("== Open App from a panel's menu hands on the panel's token, else the click's time")
+    for token, time, expected in (("menu-token", 7, '"menu-token"'), ("", 4242, "_TIME4242")):
+        token and desktop.call(desktop.id, "/StatusNotifierItem", ITEM, "ProvideXdgActivationToken", "(s)", token)
+        desktop.call(desktop.id, "/MenuBar", MENU, "Event", "(isvu)", 1, "clicked", GLib.Variant("i", 0), time)
+        wait_for(expected, lambda: expected in run("xprop", "-id", window[0], "_NET_STARTUP_ID"))
 
     print("== an X11 tray started after the application embeds the item")
     trayer = desktop.start("trayer", "--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24")
-    wait_for("the item in trayer", lambda: re.search(r'\n( *)\S+ "panel": \("panel" "trayer"\)[^\n]*'
-                                                     r'(\n\1 [^\n]*)*"Corvane": \(', run("xwininfo", "-root", "-tree")))
+    item = wait_for("the item in trayer", lambda: re.search(r'\n( *)\S+ "panel": \("panel" "trayer"\)[^\n]*'
+                                                            r'(\n\1 [^\n]*)*\n *(\S+) "Corvane": \(', run("xwininfo", "-root", "-tree")))
+    shown = lambda: run("xdotool", "search", "--onlyvisible", "--pid", str(desktop.app.pid)).split()
+    before = shown()
+    run("xdotool", "mousemove", "--window", item[3], "5", "5", "click", "1")
+    wait_for("the menu opened by a left click", lambda: len(shown()) == len(before) + 1)
+    run("xdotool", "key", "Escape")
 
     print("== once that tray has ended, the window is the application: closing it quits")
     trayer.terminate()

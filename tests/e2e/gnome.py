@@ -2,8 +2,8 @@
 headless on the private session bus. What the user sees is read from the shell through its Eval method
 (--unsafe-mode allows it), and the panel is clicked with a virtual pointer of the shell's own."""
 import json, os, re, subprocess, threading, time
-from gi.repository import Gio, GLib
-from desktop_test import HERE, NOTIFICATIONS, text, wait_for
+from gi.repository import GdkPixbuf, Gio, GLib
+from desktop_test import HERE, NOTIFICATIONS, amber, text, wait_for
 
 EXTENSION = "ubuntu-appindicators@ubuntu.com"
 LABEL = "\u26a1\ufe0e Monitoring..."
@@ -43,9 +43,13 @@ def gnome(desktop):
         assert ok, (code, result)
         return json.loads(result or "null")
 
-    def indicator():  # the one indicator in the panel, once it shows the label
+    def indicator():  # the one indicator in the panel, once it shows the label, read once: no amber glyph image
         wait_for(f"one indicator labelled {LABEL!r}", lambda: shell("indicators().map(texts)") == [[LABEL]],
                  shown=lambda: f"the panel shows {shell('indicators().map(texts)')}")
+        box = shell("[...indicators()[0].get_transformed_position(), ...indicators()[0].get_transformed_size()]")
+        desktop.call("org.gnome.Shell.Screenshot", "/org/gnome/Shell/Screenshot", "org.gnome.Shell.Screenshot",
+                     "ScreenshotArea", "(iiiibs)", *map(int, box), False, f"{home}/indicator.png")
+        assert not amber(GdkPixbuf.Pixbuf.new_from_file(f"{home}/indicator.png")), "the glyph drawn beside the label"
 
     def menu(item=None):
         """Opens the indicator's menu with a click: its items, or the item clicked in it."""

@@ -7,13 +7,16 @@
 #include <QDBusVirtualObject>
 #include <QProcess>
 #include <QTest>
+#include <deque>
 #include <future>
 
 #include "app/shell_facilities.h"
+#include "app/tray_glyph_icon.h"
 #include "platform/application_id.h"
 #include "platform/application_service.h"
 #include "platform/freedesktop_notifications.h"
 #include "platform/session_instance.h"
+#include "platform/tray_watcher.h"
 #include "support.h"
 
 namespace corvane::platform {
@@ -27,7 +30,7 @@ QDBusConnection connection(const QString& name) {
 }
 
 // Holds `service` and answers every call (Notify: its next id, from 7; or nothing, or an error,
-// as `reply` says), or lets it time out.
+// or a variant true, as `reply` or else the next of `script` says), or lets it time out.
 struct Server : QDBusVirtualObject {
     Server(const QString& name, const QString& path = {}, const QString& service = {},
            bool answers = true)
@@ -37,14 +40,24 @@ struct Server : QDBusVirtualObject {
     QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& call, const QDBusConnection& via) override {
         ++calls;
-        return !answers || via.send(reply == "post-empty"   ? call.createReply()
-                                    : reply == "post-error" ? call.createErrorReply("a.B", "c")
-                                                            : call.createReply(++lastId));
+        members << call.member();
+        if (!script.empty()) {
+            reply = script.front();
+            script.pop_front();
+        }
+        return !answers || reply == "late" ||
+               via.send(reply == "post-empty"      ? call.createReply()
+                        : reply.ends_with("error") ? call.createErrorReply("a.B", "c")
+                        : reply == "true"
+                            ? call.createReply(QVariant::fromValue(QDBusVariant(true)))
+                            : call.createReply(++lastId));
     }
     QDBusConnection bus;
     bool answers;
     uint lastId = 6, calls = 0;
     std::string reply;
+    std::deque<std::string> script;
+    QStringList members;
 };
 
 struct Clicks : NotificationCentreDelegate {
@@ -140,6 +153,41 @@ TEST(Bus, OneCorvanePerSession) {
     EXPECT_EQ(claimSession(bus, &second, {}).outcome, SessionClaim::Outcome::Run);
     EXPECT_EQ(activated, QStringList{"t2"});
     refusing.kill();
+}
+
+// A panel still starting at login: its watcher answers late, then with an error, then as usual,
+// and takes the first registration late too. The item is asked for again each time, is
+// registered at once after the first usual answer, and once more a second later (GNOME 48
+// draws the label then). GNOME's watcher gets the empty icon, found by name in the item's folder.
+TEST(Bus, APanelStillStartingGetsTheItem) {
+    CORVANE_SKIP_WITHOUT_SESSION_BUS();
+    Server watcher("watcher", "/StatusNotifierWatcher", "org.kde.StatusNotifierWatcher");
+    watcher.bus.registerService("org.gnome.Shell");
+    watcher.script = {"late", "error", "true", "late", "true", "true"};
+    const TempTree folder;
+    const QDBusConnection bus = connection("tray");
+    StatusNotifierItem item(bus, {"io.x", "T", "label", app::trayGlyphIcon("x", Qt::red), "io.x"},
+                            QDBusObjectPath("/M"), {}, std::make_shared<PanelActivation>(),
+                            folder.root().c_str(), 200ms);
+    const TrayWatcher tray(bus, 200ms);
+    QObject::connect(&tray, &TrayWatcher::statusNotifierHostReady, &item,
+                     &StatusNotifierItem::registerWithWatcher);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return watcher.calls == 6; }, 10000))
+        << watcher.members.join(" ").toStdString();
+    EXPECT_EQ(watcher.members.join(' '),
+              "Get Get Get RegisterStatusNotifierItem"
+              " RegisterStatusNotifierItem RegisterStatusNotifierItem");
+    const QDBusMessage read =
+        watcher.bus.call(QDBusMessage::createMethodCall(bus.baseService(), "/StatusNotifierItem",
+                                                        "org.freedesktop.DBus.Properties", "GetAll")
+                             << "org.kde.StatusNotifierItem",
+                         QDBus::BlockWithGui);
+    auto properties = qdbus_cast<QVariantMap>(read.arguments().value(0));
+    const QString icon = properties["IconThemePath"].toString() + "/hicolor/16x16/apps/" +
+                         properties["IconName"].toString() + ".png";
+    EXPECT_EQ(properties["IconName"].toString(), "io.x-empty");
+    EXPECT_TRUE(QFile::exists(icon)) << icon.toStdString();
+    EXPECT_TRUE(QFile::exists(folder.root().c_str() + QString("/hicolor/16x16/apps/io.x.png")));
 }
 
 }  // namespace

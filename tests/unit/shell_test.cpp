@@ -31,6 +31,7 @@ TEST(Shell, LaunchAsksPermissionExportsTheItemAndFollowsTheTray) {
                               exported = look;
                               click = activate;
                               trayChanged = changed;
+                              return std::function<QString()>();
                           },
                           [&](std::string_view line) { lines.emplace_back(line); },
                           {}});
@@ -74,16 +75,23 @@ TEST(Shell, LaunchAsksPermissionExportsTheItemAndFollowsTheTray) {
 TEST(Shell, PanelCallsOnTheItemAndItsMenuTable) {
     CORVANE_SKIP_WITHOUT_SESSION_BUS();
     const QDBusConnection bus = QDBusConnection::sessionBus();
-    std::string ran;
+    std::string ran;  // the actions run, each with the token it was given
+    const auto run = [&ran](const std::string& action, const QString& token) {
+        ran = (ran == "-" ? "" : ran + ", ") + action + (token.isEmpty() ? "" : " ") +
+              token.toStdString();
+    };
+    auto activation = std::make_shared<platform::PanelActivation>();
     QMenu menu;
     for (const char* label : {"Open App", "", "Quit"}) {
         QAction* action = *label ? menu.addAction(label) : menu.addSeparator();
-        QObject::connect(action, &QAction::triggered, [&ran, label] { ran = label; });
+        QObject::connect(action, &QAction::triggered,
+                         [&, label] { run(label, activation->menuClickToken()); });
     }
     menu.actions().first()->setShortcut(QKeySequence("Ctrl+Shift+O"));
-    const platform::DBusMenu exported(bus, QStringLiteral("/MenuBar"), &menu);
+    const platform::DBusMenu exported(bus, QStringLiteral("/MenuBar"), &menu, activation);
+    const testing::TempTree icons;
     const platform::StatusNotifierItem item(
-        bus, {}, {}, [&](auto) { ran = "Open App"; }, 100ms);
+        bus, {}, {}, [&](const QString& token) { run("Open App", token); }, activation, icons.root().c_str(), 100ms);
     for (const auto& c : testing::caseTable("menu_calls")) {
         const QString method = QString::fromStdString(c[0]);
         QProcess gdbus;
