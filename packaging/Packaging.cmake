@@ -40,14 +40,18 @@ the network throughput in one window with a one-minute CPU chart, and puts
 an item into the system tray. It posts a desktop notification when CPU,
 memory or disk use or the battery level crosses its threshold, at most one
 every ten seconds.")
+# Qt draws the installed SVG icon on the window only with its SVG icon engine, a plugin no
+# library links: Debian 12 ships it in libqt6svg6 (Qt 6.4), Debian 13 in qt6-svg-plugins, which
+# needs libqt6svg6 6.6 or later.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-svg-plugins | libqt6svg6 (<< 6.6)")
 # The libraries the program links; dpkg-shlibdeps (dpkg-dev) names the exact packages and
-# versions of the release it is built on.
+# versions of the release it is built on, after the plugin above.
 find_program(CORVANE_DPKG_SHLIBDEPS dpkg-shlibdeps)
 if(CORVANE_DPKG_SHLIBDEPS)
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 else()
-    set(CPACK_DEBIAN_PACKAGE_DEPENDS
-        "libqt6widgets6 (>= 6.4), libqt6gui6 (>= 6.4), libqt6core6 (>= 6.4), libqt6charts6 (>= 6.4), libqt6dbus6 (>= 6.4), libxcb1")
+    string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS
+        ", libqt6widgets6 (>= 6.4), libqt6gui6 (>= 6.4), libqt6core6 (>= 6.4), libqt6charts6 (>= 6.4), libqt6dbus6 (>= 6.4), libxcb1")
 endif()
 # qt6-wayland: a native window on Wayland desktops instead of one through XWayland (or none).
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-dejavu-core, qt6-wayland")

@@ -12,13 +12,6 @@
 
 namespace corvane::app {
 
-namespace {
-
-// Amber reads on both light and dark panels.
-const QColor kGlyphColour(0xF5, 0xB7, 0x00);
-
-}  // namespace
-
 AppDelegate::AppDelegate(ShellFacilities facilities, QObject* parent)
     : QObject(parent), facilities_(std::move(facilities)) {}
 

@@ -2,6 +2,7 @@
 
 #include <QMetaObject>
 
+#include "app/application_icon.h"
 #include "app/desktop_start.h"
 #include "platform/application_id.h"
 
@@ -40,6 +41,8 @@ CorvaneApp::CorvaneApp(int& argc, char** argv, MonitorFactory makeMonitor,
     }
     window_ = std::make_unique<ui::ContentView>(makeMonitor());
     window_->resize(window_->sizeHint().expandedTo(QSize(500, 500)));
+    // X11 window managers draw the window's own icon; Wayland's find it through the app id.
+    window_->setWindowIcon(applicationIcon());
     appDelegate_.setWindow(window_.get());
     window_->show();
     // Queued: the delegate hears of the finished launch from inside the running event loop.

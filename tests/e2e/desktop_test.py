@@ -244,6 +244,8 @@ def x11(desktop):
     window = run("xdotool", "search", "--onlyvisible", "--pid", str(desktop.app.pid)).split()
     wm_class = run("xprop", "-id", window[0], "WM_CLASS")
     assert len(window) == 1 and wm_class.endswith(f', "{desktop.wm_class}"\n'), (window, wm_class)
+    icon = run("xprop", "-id", window[0], "-notype", "_NET_WM_ICON")  # the glyph at each size it offers
+    assert re.findall(r"Icon \((\d+) x \1\):", icon) == ["16", "22", "24", "32", "48", "64"], icon[:300]
     desktop.set_cpu(40)
     wait_for("the chart's description after a few ticks", lambda: re.fullmatch(
         r"[2-9] values, lowest 25\.00 %, highest 40\.00 %, latest 40\.00 %", chart.description), 5)
