@@ -3,7 +3,7 @@ headless on the private session bus. What the user sees is read from the shell t
 (--unsafe-mode allows it), and the panel is clicked with a virtual pointer of the shell's own."""
 import json, os, re, subprocess, threading, time
 from gi.repository import Gio, GLib
-from desktop_test import HERE, NOTIFICATIONS, text, wait_for
+from desktop_test import HERE, NOTIFICATIONS, ended, text, wait_for
 
 EXTENSION = "ubuntu-appindicators@ubuntu.com"
 LABEL = "\u26a1\ufe0e Monitoring..."
@@ -113,6 +113,6 @@ def gnome(desktop):
 
     print("== Quit in the indicator's menu ends Corvane with status 0; the shell ends through Eval")
     menu("Quit")
-    assert desktop.app.wait(10) == 0
+    ended(desktop.app)
     shell("global.context.terminate()")  # SIGTERM would crash it
     assert gnome_shell.wait(10) == 0
