@@ -130,7 +130,7 @@ TEST(Bus, OneCorvanePerSession) {
     auto claim = std::async(std::launch::async, [&] {
         return claimSession(connection("second"), &second, {{"activation-token", "t2"}});
     });
-    EXPECT_TRUE(QTest::qWaitFor([&] { return claim.wait_for(0s) == std::future_status::ready; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return claim.wait_for(0s) == std::future_status::ready; }));
     EXPECT_EQ(claim.get().outcome, SessionClaim::Outcome::HandedOver);
     EXPECT_EQ(activated, QStringList{"t2"});
 

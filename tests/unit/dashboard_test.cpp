@@ -9,7 +9,7 @@
 #include <QValueAxis>
 #include <clocale>
 
-#include "rig.h"
+#include "support.h"
 #include "ui/axis_range.h"
 #include "ui/color.h"
 #include "ui/content_view.h"

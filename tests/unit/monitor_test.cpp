@@ -6,7 +6,7 @@
 
 #include "monitor/alert_text.h"
 #include "platform/grid_timer.h"
-#include "rig.h"
+#include "support.h"
 
 namespace corvane::monitor {
 namespace {

@@ -2,6 +2,7 @@
 
 #include <stdlib.h>
 
+#include <QApplication>
 #include <charconv>
 #include <fstream>
 #include <sstream>
@@ -11,55 +12,34 @@ namespace corvane::testing {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-std::string unescaped(std::string_view text) {
-    std::string out;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '\\' || i + 1 == text.size()) {
-            out += text[i];
-            continue;
-        }
-        const char c = text[++i];
-        if (c == 'x') {
-            out += static_cast<char>(std::stoi(std::string(text.substr(i + 1, 2)), nullptr, 16));
-            i += 2;
-        } else {
-            out += c == 'n' ? '\n' : c == 't' ? '\t' : c == 'r' ? '\r' : c == 's' ? ' ' : c;
-        }
-    }
-    return out;
-}
-
-std::string_view trimmed(std::string_view text) {
-    const auto begin = text.find_first_not_of(' ');
-    return begin == std::string_view::npos
-               ? ""
-               : text.substr(begin, text.find_last_not_of(' ') - begin + 1);
-}
-
-}  // namespace
-
 std::vector<Case> caseTable(const std::string& name) {
     std::ifstream in(fs::path(CORVANE_CASES) / (name + ".txt"));
     std::vector<Case> cases;
     std::string line;
     for (int number = 1; std::getline(in, line); ++number) {
-        const std::string_view text = trimmed(line);
-        if (text.empty() || text == "#" || text.starts_with("# ")) {
+        if (const auto w = words(line); w.empty() || w[0] == "#") {
             continue;
         }
-        Case c{name + ".txt:" + std::to_string(number), {}};
-        std::size_t start = 0;
-        for (std::size_t i = 0; i <= line.size(); ++i) {
-            if (i < line.size() && line[i] == '\\') {
-                ++i;
-            } else if (i == line.size() || line[i] == '|') {
-                c.fields.push_back(
-                    unescaped(trimmed(std::string_view(line).substr(start, i - start))));
-                start = i + 1;
+        Case c{name + ".txt:" + std::to_string(number), {{}}};
+        std::size_t kept = 0;  // the field's length up to its last character that is no blank
+        for (std::size_t i = 0; i < line.size(); ++i) {
+            std::string& field = c.fields.back();
+            const bool escaped = line[i] == '\\' && i + 1 < line.size();
+            const char ch = escaped ? line[++i] : line[i];
+            const auto at = escaped ? std::string_view("ntrsx").find(ch) : std::string_view::npos;
+            if (!escaped && ch == '|') {
+                field.resize(kept);
+                c.fields.emplace_back();
+                kept = 0;
+            } else if (escaped || ch != ' ' || !field.empty()) {  // leading blanks dropped
+                field += at > 4   ? ch
+                         : at < 4 ? "\n\t\r "[at]
+                                  : char(std::stoi(line.substr(i + 1, 2), 0, 16));
+                i += at == 4 ? 2 : 0;
+                kept = escaped || ch != ' ' ? field.size() : kept;
             }
         }
+        c.fields.back().resize(kept);
         cases.push_back(std::move(c));
     }
     return cases;
@@ -114,3 +94,10 @@ std::size_t TempTree::openDescriptors() const {
 }
 
 }  // namespace corvane::testing
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");  // widgets render without a display
+    QApplication application(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
