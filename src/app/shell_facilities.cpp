@@ -25,7 +25,12 @@ ShellFacilities desktopShellFacilities() {
     facilities.showStatusItem = [](QObject* context, platform::StatusItemLook look, QMenu* menu,
                                    std::function<void(const QString&)> activate,
                                    std::function<void(platform::SystemTray)> trayChanged) {
-        const QDBusConnection bus = QDBusConnection::sessionBus();
+        // A connection of the item's own, which owns no other name: GNOME's extension, which
+        // also looks for items on the bus by itself after each lock, keys an item it finds by
+        // one of its connection's names, and would show an item found under the application's
+        // id beside the one registered under the unique name.
+        const QDBusConnection bus =
+            QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("tray"));
         const QString menuPath = QStringLiteral("/MenuBar");
         auto activation = std::make_shared<platform::PanelActivation>();
         new platform::DBusMenu(bus, menuPath, menu, activation, context);

@@ -1,6 +1,5 @@
 #include "platform/status_notifier_item.h"
 
-#include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
@@ -18,9 +17,6 @@ const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
 const QString kItemPath = QStringLiteral("/StatusNotifierItem");
 // Long enough for a host to have read the item after the first registration.
 constexpr std::chrono::milliseconds kFollowUp{1000};
-// RequestName's flag and answer, as the bus daemon numbers them.
-constexpr uint kDoNotQueue = 4;
-constexpr uint kPrimaryOwner = 1;
 
 QString emptyIconName(const QString& name) {
     return name + QStringLiteral("-empty");
@@ -61,18 +57,6 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, StatusItemLook look,
     qDBusRegisterMetaType<IconPixmaps>();
     qDBusRegisterMetaType<ToolTip>();
     bus_.registerObject(kItemPath, this, QDBusConnection::ExportAllContents);
-    // Registered under a name of its own, as StatusNotifier items are: GNOME's extension also
-    // looks for items on the bus by itself, after each lock, and would key the item found
-    // under the application's other name apart from the one registered, showing it twice. The
-    // bus answers at once; should it refuse, the connection's unique name serves.
-    const QString name =
-        QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid());
-    QDBusMessage request = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("RequestName"));
-    request << name << kDoNotQueue;
-    const QDBusMessage owned = bus_.call(request, QDBus::Block, static_cast<int>(timeout_.count()));
-    service_ = owned.arguments().value(0).toUInt() == kPrimaryOwner ? name : bus_.baseService();
 }
 
 QString StatusNotifierItem::iconName() const {
@@ -88,12 +72,12 @@ void StatusNotifierItem::registerWithWatcher(bool drawsLabel) {
     sendRegistration();
 }
 
-// The watcher finds the item at the usual path.
+// Registered by the connection's unique name: the watcher finds the item at the usual path.
 void StatusNotifierItem::sendRegistration() {
     again_.stop();
     QDBusMessage message = QDBusMessage::createMethodCall(
         kWatcher, kWatcherPath, kWatcher, QStringLiteral("RegisterStatusNotifierItem"));
-    message << service_;
+    message << bus_.baseService();
     auto* call = new QDBusPendingCallWatcher(
         bus_.asyncCall(message, static_cast<int>(timeout_.count())), this);
     connect(call, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* done) {

@@ -113,7 +113,6 @@ class StatusNotifierItem : public QObject {
     QDBusObjectPath menu_;
     ActivateHandler activate_;
     std::shared_ptr<PanelActivation> activation_;
-    QString service_;  // the name the item registers by
     QString iconFolder_;
     std::chrono::milliseconds timeout_;
     bool drawsLabel_ = false;

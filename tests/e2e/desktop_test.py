@@ -97,8 +97,10 @@ class Desktop:
         return self.call(service, path, "org.freedesktop.DBus.Properties", "Get", "(ss)", interface, name)[0]
 
     def has_owner(self, name):
-        return self.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                         "NameHasOwner", "(s)", name)[0]
+        return self.ask_bus("NameHasOwner", "(s)", name)[0]
+
+    def ask_bus(self, method, signature=None, *args):
+        return self.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method, signature, *args)
 
     def items(self):
         try:
@@ -227,8 +229,7 @@ def x11(desktop):
     node = Gio.DBusNodeInfo.new_for_xml(f"<node><interface name='{NOTIFICATIONS}'>"
                                         "<method name='GetServerInformation'/></interface></node>")
     desktop.bus.register_object("/org/freedesktop/Notifications", node.interfaces[0], lambda *a: None)
-    desktop.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName", "(su)",
-                 NOTIFICATIONS, 0)
+    desktop.ask_bus("RequestName", "(su)", NOTIFICATIONS, 0)
 
     desktop.app = desktop.launch("xcb")
 
@@ -257,8 +258,11 @@ def x11(desktop):
     wait_for("the startup id on the window", lambda: "second-launch_TIME42" in run("xprop", "-id", window[0], "_NET_STARTUP_ID"))
     print("== Open App from a panel's menu hands on the panel's token, else the click's time")
     for token, time, expected in (("menu-token", 7, '"menu-token"'), ("", 4242, "_TIME4242")):
-        token and desktop.call(desktop.id, "/StatusNotifierItem", ITEM, "ProvideXdgActivationToken", "(s)", token)
-        desktop.call(desktop.id, "/MenuBar", MENU, "Event", "(isvu)", 1, "clicked", GLib.Variant("i", 0), time)
+        tray, = (name for name in desktop.ask_bus("ListNames")[0] if name[0] == ":" and desktop.ask_bus(
+            "GetConnectionUnixProcessID", "(s)", name)[0] == desktop.app.pid and desktop.call(
+            name, "/", "org.freedesktop.DBus.Introspectable", "Introspect")[0].count("MenuBar"))
+        token and desktop.call(tray, "/StatusNotifierItem", ITEM, "ProvideXdgActivationToken", "(s)", token)
+        desktop.call(tray, "/MenuBar", MENU, "Event", "(isvu)", 1, "clicked", GLib.Variant("i", 0), time)
         wait_for(expected, lambda: expected in run("xprop", "-id", window[0], "_NET_STARTUP_ID"))
 
     print("== an X11 tray started after the application embeds the item")
