@@ -51,11 +51,12 @@ AxisRange valueAxisRange(std::span<const double> values) {
     if (max < high) {
         max += step;
     }
+    // Between two and six: the step is at most half the span and at least a quarter of it, and
+    // each end moved out by less than a step.
     const double intervals = std::round((max - min) / step);
     // Near the ends of the double range the grid itself overflows or underflows: fall back to
     // the data's own extent with ticks only at the ends.
-    if (!finite(rough) || !(step > 0.0) || !finite(min) || !finite(max) || !finite(intervals) ||
-        intervals < 1.0 || intervals > 4.0 * kTargetIntervals) {
+    if (!finite(rough) || !(step > 0.0) || !finite(min) || !finite(max) || !finite(intervals)) {
         return AxisRange{low, high, 2};
     }
     return AxisRange{min, max, static_cast<int>(intervals) + 1};
