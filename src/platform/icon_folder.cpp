@@ -13,6 +13,9 @@ QString installedIconName(const QString& name) {
 }
 
 bool writeIconFolder(const QString& folder, const QString& name, const QIcon& icon) {
+    if (folder.isEmpty()) {
+        return false;
+    }
     bool written = true;
     QSize largest;
     for (const QSize size : icon.availableSizes()) {
