@@ -15,6 +15,7 @@ namespace {
 
 const QString kWatcher = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
+constexpr std::chrono::milliseconds kX11Settle{500};
 // Hosts that draw an item's label beside its icon, by the names their watcher's process owns.
 const QStringList kLabelHosts = {QStringLiteral("org.gnome.Shell"),
                                  QStringLiteral("org.ayatana.indicator.application")};
@@ -23,7 +24,18 @@ const QStringList kLabelHosts = {QStringLiteral("org.gnome.Shell"),
 
 TrayWatcher::TrayWatcher(QDBusConnection bus, std::chrono::milliseconds timeout, QObject* parent)
     : QObject(parent), bus_(std::move(bus)), timeout_(timeout), x11_(new X11TraySelection(this)) {
-    connect(x11_, &X11TraySelection::changed, this, &TrayWatcher::settle);
+    // A panel that is both an X11 tray and a StatusNotifier watcher (Xfce's) takes the two a
+    // moment apart: a new X11 tray is taken once the watcher has been asked again a little
+    // later, since Qt's XEmbed item decides once per run, when it is made, whether to go on
+    // D-Bus instead. A tray that ended has ended at once.
+    connect(x11_, &X11TraySelection::changed, this, [this] {
+        if (!x11_->isOwned()) {
+            settle();
+            return;
+        }
+        QTimer::singleShot(kX11Settle, this,
+                           [this] { host_ == Host::Present ? settle() : askForHost(); });
+    });
     again_.setSingleShot(true);
     connect(&again_, &QTimer::timeout, this, &TrayWatcher::ask);
     if (bus_.isConnected()) {
