@@ -3,12 +3,16 @@
 #include "app/status_title.h"
 #include "app/tray_glyph_icon.h"
 #include "platform/application_id.h"
+#include "platform/icon_folder.h"
 
 namespace corvane::app {
 
 QIcon applicationIcon() {
-    // Null when the theme has no file of that name that Qt can draw.
-    const QIcon installed = QIcon::fromTheme(QString::fromLatin1(platform::kApplicationId));
+    // Null when the theme has no file of that name that Qt can draw. Not asked where none is
+    // installed: the theme's lookup loads Qt's SVG engine for the rest of the run.
+    const QString id = QString::fromLatin1(platform::kApplicationId);
+    const QIcon installed =
+        platform::installedIconName(id).isEmpty() ? QIcon() : QIcon::fromTheme(id);
     if (installed.isNull()) {
         return trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour);
     }

@@ -4,6 +4,8 @@
 #include <QPixmap>
 #include <QStandardPaths>
 
+#include "platform/png_file.h"
+
 namespace corvane::platform {
 
 QString installedIconName(const QString& name) {
@@ -24,12 +26,15 @@ bool writeIconFolder(const QString& folder, const QString& name, const QIcon& ic
                                  .arg(size.width())
                                  .arg(size.height());
         written = QDir().mkpath(apps) &&
-                  icon.pixmap(size, 1.0).save(QStringLiteral("%1/%2.png").arg(apps, name)) &&
+                  writePng(icon.pixmap(size, 1.0).toImage(),
+                           QStringLiteral("%1/%2.png").arg(apps, name)) &&
                   written;
         largest = largest.width() < size.width() ? size : largest;
     }
     return largest.isValid() &&
-           icon.pixmap(largest, 1.0).save(QStringLiteral("%1/%2.png").arg(folder, name)) && written;
+           writePng(icon.pixmap(largest, 1.0).toImage(),
+                    QStringLiteral("%1/%2.png").arg(folder, name)) &&
+           written;
 }
 
 }  // namespace corvane::platform

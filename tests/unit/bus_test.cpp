@@ -187,7 +187,12 @@ TEST(Bus, APanelStillStartingGetsTheItem) {
                          properties["IconName"].toString() + ".png";
     EXPECT_EQ(properties["IconName"].toString(), "io.x-empty");
     EXPECT_TRUE(QFile::exists(icon)) << icon.toStdString();
-    EXPECT_TRUE(QFile::exists(folder.root().c_str() + QString("/hicolor/16x16/apps/io.x.png")));
+    const QImage glyph(folder.root().c_str() + QString("/hicolor/16x16/apps/io.x.png"));
+    EXPECT_EQ(glyph.convertToFormat(QImage::Format_ARGB32),
+              app::trayGlyphIcon("x", Qt::red)
+                  .pixmap(16)
+                  .toImage()
+                  .convertToFormat(QImage::Format_ARGB32));
 }
 
 }  // namespace
