@@ -82,7 +82,7 @@ void TrayWatcher::ask() {
         if (error == QDBusError::NoError) {
             host_ = reply.value().variant().toBool() ? Host::Present : Host::Absent;
             if (host_ == Host::Present) {
-                findLabelHost(question, call->reply().service());
+                findLabelHost(question);
             }
         } else {
             // Nobody owns the name: no watcher. Anything else (no reply in time, a broken
@@ -98,8 +98,8 @@ void TrayWatcher::ask() {
 
 // The bus itself answers, at once, which process owns a name. Ayatana's indicator service owns
 // the watcher's name on a connection of its own.
-void TrayWatcher::findLabelHost(quint64 question, const QString& watcherOwner) {
-    const QStringList names = QStringList{watcherOwner} + kLabelHosts;
+void TrayWatcher::findLabelHost(quint64 question) {
+    const QStringList names = QStringList{kWatcher} + kLabelHosts;
     auto processes = std::make_shared<QList<uint>>(names.size(), 0);
     auto unanswered = std::make_shared<qsizetype>(names.size());
     for (qsizetype i = 0; i < names.size(); ++i) {

@@ -48,7 +48,7 @@ class TrayWatcher : public QObject {
   private:
     enum class Host { Unknown, Absent, Present, Stuck };
     void ask();
-    void findLabelHost(quint64 question, const QString& watcherOwner);
+    void findLabelHost(quint64 question);
     void settle();
 
     QDBusConnection bus_;
