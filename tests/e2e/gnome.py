@@ -1,7 +1,8 @@
 """desktop_test.py gnome APP FIXTURE: GNOME Shell as Debian installs it with the AppIndicator extension,
 headless on the private session bus. What the user sees is read from the shell through its Eval method
 (--unsafe-mode allows it), and the panel is clicked with a virtual pointer of the shell's own."""
-import json, os, re, subprocess, threading, time
+import gi, json, os, re, subprocess, threading, time
+gi.require_version("GdkPixbuf", "2.0")
 from gi.repository import GdkPixbuf, Gio, GLib
 from desktop_test import HERE, NOTIFICATIONS, amber, ended, text, wait_for
 
