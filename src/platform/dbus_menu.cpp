@@ -151,9 +151,9 @@ QList<int> DBusMenu::EventGroup(const QList<MenuEvent>& events) {
     return distinct(unknown);
 }
 
-// A menu about to open is no click: a token handed over for it is not the next click's.
+// A token handed over as the menu opens is the token of a click in it.
 bool DBusMenu::AboutToShow(int id) {
-    activation_->drop();
+    activation_->menuOpening();
     if (!exists(id)) {
         refuse(id);
     }
@@ -161,7 +161,7 @@ bool DBusMenu::AboutToShow(int id) {
 }
 
 QList<int> DBusMenu::AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors) {
-    activation_->drop();
+    activation_->menuOpening();
     for (const int id : ids) {
         if (!exists(id)) {
             idErrors.append(id);
@@ -175,7 +175,7 @@ QList<int> DBusMenu::AboutToShowGroup(const QList<int>& ids, QList<int>& idError
 // the answer is on its way, so that "Quit" never leaves the host waiting.
 void DBusMenu::click(int id, const QString& eventId, uint timestamp) {
     if (eventId == QLatin1String("opened")) {
-        activation_->drop();
+        activation_->menuOpening();
     }
     if (id == 0 || eventId != QLatin1String("clicked")) {
         return;
@@ -184,7 +184,8 @@ void DBusMenu::click(int id, const QString& eventId, uint timestamp) {
     if (!action->isSeparator() && action->isEnabled()) {
         QMetaObject::invokeMethod(
             this,
-            [this, action = QPointer<QAction>(action), token = activation_->spend(timestamp)] {
+            [this, action = QPointer<QAction>(action),
+             token = activation_->spendInMenu(timestamp)] {
                 if (action) {
                     activation_->runMenuClick(*action, token);
                 }

@@ -6,8 +6,26 @@
 
 namespace corvane::platform {
 
-QString PanelActivation::spend(unsigned x11Time) {
-    const QString token = std::exchange(token_, QString());
+// Panels announce an opening twice (AboutToShow, then "opened"): the second finds nothing new.
+void PanelActivation::menuOpening() {
+    if (!token_.isEmpty()) {
+        menuToken_ = std::exchange(token_, QString());
+    }
+}
+
+void PanelActivation::drop() {
+    token_.clear();
+    menuToken_.clear();
+}
+
+QString PanelActivation::spendOnItem() {
+    menuToken_.clear();
+    return std::exchange(token_, QString());
+}
+
+QString PanelActivation::spendInMenu(unsigned x11Time) {
+    const QString token = token_.isEmpty() ? menuToken_ : token_;
+    drop();
     return token.isEmpty() ? x11StartupId(x11Time) : token;
 }
 

@@ -95,7 +95,7 @@ void StatusNotifierItem::sendRegistration() {
 }
 
 void StatusNotifierItem::Activate(int, int) {
-    activate_(activation_->spend());
+    activate_(activation_->spendOnItem());
 }
 
 void StatusNotifierItem::SecondaryActivate(int, int) {
