@@ -21,10 +21,10 @@
 #include <cstdio>
 
 #include "app/tray_glyph_icon.h"
-#include "platform/dbus_menu.h"
+#include "tray/dbus_menu.h"
 #include "platform/notification_centre.h"
-#include "platform/status_notifier_item.h"
-#include "platform/tray_watcher.h"
+#include "tray/status_notifier_item.h"
+#include "tray/tray_watcher.h"
 
 namespace {
 

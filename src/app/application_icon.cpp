@@ -3,7 +3,7 @@
 #include "app/status_title.h"
 #include "app/tray_glyph_icon.h"
 #include "platform/application_id.h"
-#include "platform/icon_folder.h"
+#include "tray/icon_folder.h"
 
 namespace corvane::app {
 

@@ -6,9 +6,9 @@
 
 #include "app/standard_output.h"
 #include "platform/application_service.h"
-#include "platform/dbus_menu.h"
+#include "tray/dbus_menu.h"
 #include "platform/session_instance.h"
-#include "platform/tray_watcher.h"
+#include "tray/tray_watcher.h"
 
 namespace corvane::app {
 

@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "platform/notification_centre.h"
-#include "platform/status_notifier_item.h"
-#include "platform/tray_watcher.h"
+#include "tray/status_notifier_item.h"
+#include "tray/tray_watcher.h"
 
 namespace corvane::app {
 

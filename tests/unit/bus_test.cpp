@@ -16,7 +16,7 @@
 #include "platform/application_service.h"
 #include "platform/freedesktop_notifications.h"
 #include "platform/session_instance.h"
-#include "platform/tray_watcher.h"
+#include "tray/tray_watcher.h"
 #include "support.h"
 
 namespace corvane::platform {

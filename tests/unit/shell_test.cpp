@@ -10,7 +10,7 @@
 #include "app/desktop_start.h"
 #include "app/status_title.h"
 #include "app/tray_glyph_icon.h"
-#include "platform/dbus_menu.h"
+#include "tray/dbus_menu.h"
 #include "support.h"
 
 namespace corvane::app {

@@ -1,10 +1,10 @@
-#include "platform/icon_folder.h"
+#include "tray/icon_folder.h"
 
 #include <QDir>
 #include <QPixmap>
 #include <QStandardPaths>
 
-#include "platform/png_file.h"
+#include "tray/png_file.h"
 
 namespace corvane::platform {
 

@@ -1,4 +1,4 @@
-#include "platform/png_file.h"
+#include "tray/png_file.h"
 
 #include <QSaveFile>
 #include <QtEndian>

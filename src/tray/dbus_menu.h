@@ -9,8 +9,8 @@
 #include <QStringList>
 #include <memory>
 
-#include "platform/dbus_menu_types.h"
-#include "platform/panel_activation.h"
+#include "tray/dbus_menu_types.h"
+#include "tray/panel_activation.h"
 
 namespace corvane::platform {
 

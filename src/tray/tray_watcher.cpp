@@ -1,4 +1,4 @@
-#include "platform/tray_watcher.h"
+#include "tray/tray_watcher.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -7,7 +7,7 @@
 #include <QDBusVariant>
 #include <memory>
 
-#include "platform/x11_tray_selection.h"
+#include "tray/x11_tray_selection.h"
 
 namespace corvane::platform {
 

@@ -1,4 +1,4 @@
-#include "platform/status_notifier_types.h"
+#include "tray/status_notifier_types.h"
 
 #include <QImage>
 #include <QPixmap>

@@ -1,4 +1,4 @@
-#include "platform/x11_tray_selection.h"
+#include "tray/x11_tray_selection.h"
 
 #include <QCoreApplication>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "platform/panel_activation.h"
+#include "tray/panel_activation.h"
 
 #include <utility>
 

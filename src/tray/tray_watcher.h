@@ -5,7 +5,7 @@
 #include <QTimer>
 #include <chrono>
 
-#include "platform/backoff.h"
+#include "tray/backoff.h"
 
 namespace corvane::platform {
 

@@ -1,4 +1,4 @@
-#include "platform/status_notifier_item.h"
+#include "tray/status_notifier_item.h"
 
 #include <QDBusMessage>
 #include <QDBusMetaType>
@@ -6,7 +6,7 @@
 #include <QPixmap>
 #include <utility>
 
-#include "platform/icon_folder.h"
+#include "tray/icon_folder.h"
 
 namespace corvane::platform {
 

@@ -9,9 +9,9 @@
 #include <functional>
 #include <memory>
 
-#include "platform/backoff.h"
-#include "platform/panel_activation.h"
-#include "platform/status_notifier_types.h"
+#include "tray/backoff.h"
+#include "tray/panel_activation.h"
+#include "tray/status_notifier_types.h"
 
 namespace corvane::platform {
 

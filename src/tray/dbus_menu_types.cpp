@@ -1,4 +1,4 @@
-#include "platform/dbus_menu_types.h"
+#include "tray/dbus_menu_types.h"
 
 #include <QDBusMetaType>
 
