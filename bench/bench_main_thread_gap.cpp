@@ -172,19 +172,19 @@ int main(int argc, char** argv) {
 
     Peer<Watcher> watcher(address, "org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher",
                           false);
-    corvane::platform::TrayWatcher tray(QDBusConnection::sessionBus(),
+    corvane::tray::TrayWatcher tray(QDBusConnection::sessionBus(),
                                         std::chrono::milliseconds(2000));
     int appearances = 0;
-    QObject::connect(&tray, &corvane::platform::TrayWatcher::trayChanged,
-                     [&](corvane::platform::SystemTray now) {
-                         appearances += now == corvane::platform::SystemTray::StatusNotifier;
+    QObject::connect(&tray, &corvane::tray::TrayWatcher::trayChanged,
+                     [&](corvane::tray::SystemTray now) {
+                         appearances += now == corvane::tray::SystemTray::StatusNotifier;
                      });
     QMenu menu;
     menu.addAction(QStringLiteral("Open App"));
-    auto activation = std::make_shared<corvane::platform::PanelActivation>();
-    corvane::platform::DBusMenu exported(QDBusConnection::sessionBus(), QStringLiteral("/MenuBar"),
+    auto activation = std::make_shared<corvane::tray::PanelActivation>();
+    corvane::tray::DBusMenu exported(QDBusConnection::sessionBus(), QStringLiteral("/MenuBar"),
                                          &menu, activation);
-    corvane::platform::StatusNotifierItem item(
+    corvane::tray::StatusNotifierItem item(
         QDBusConnection::sessionBus(),
         {QStringLiteral("bench"),
          QStringLiteral("Bench"),
@@ -194,8 +194,8 @@ int main(int argc, char** argv) {
         QDBusObjectPath(QStringLiteral("/MenuBar")), [](const QString&) {}, activation,
         QDir::temp().filePath(QStringLiteral("corvane-bench-icons")),
         std::chrono::milliseconds(2000));
-    QObject::connect(&tray, &corvane::platform::TrayWatcher::statusNotifierHostReady, &item,
-                     &corvane::platform::StatusNotifierItem::registerWithWatcher);
+    QObject::connect(&tray, &corvane::tray::TrayWatcher::statusNotifierHostReady, &item,
+                     &corvane::tray::StatusNotifierItem::registerWithWatcher);
     const double gap = worstGapMs(5000, [&](int tick) { watcher.setUp(tick % 4 < 2); });
     std::printf("%-34s %14.2f   (%d appearances seen)\n", "watcher appearing and leaving", gap,
                 appearances);

@@ -48,9 +48,9 @@ void AppDelegate::applicationDidFinishLaunching() {
         {id, QStringLiteral("Corvane"), QString::fromUtf8(kStatusTitle),
          trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour), id},
         menu_.get(), [this](const QString& token) { openApp(token); },
-        [this](platform::SystemTray tray) {
-            QApplication::setQuitOnLastWindowClosed(tray == platform::SystemTray::None);
-            showXEmbedItem(tray == platform::SystemTray::XEmbed);
+        [this](tray::SystemTray tray) {
+            QApplication::setQuitOnLastWindowClosed(tray == tray::SystemTray::None);
+            showXEmbedItem(tray == tray::SystemTray::XEmbed);
         });
 }
 

@@ -12,7 +12,7 @@ QIcon applicationIcon() {
     // installed: the theme's lookup loads Qt's SVG engine for the rest of the run.
     const QString id = QString::fromLatin1(platform::kApplicationId);
     const QIcon installed =
-        platform::installedIconName(id).isEmpty() ? QIcon() : QIcon::fromTheme(id);
+        tray::installedIconName(id).isEmpty() ? QIcon() : QIcon::fromTheme(id);
     if (installed.isNull()) {
         return trayGlyphIcon(QString::fromUtf8(kStatusGlyph), kGlyphColour);
     }

@@ -22,9 +22,9 @@ constexpr std::chrono::milliseconds kPanelLimit{2000};
 ShellFacilities desktopShellFacilities() {
     ShellFacilities facilities;
     facilities.notificationCentre = &platform::NotificationCentre::current;
-    facilities.showStatusItem = [](QObject* context, platform::StatusItemLook look, QMenu* menu,
+    facilities.showStatusItem = [](QObject* context, tray::StatusItemLook look, QMenu* menu,
                                    std::function<void(const QString&)> activate,
-                                   std::function<void(platform::SystemTray)> trayChanged) {
+                                   std::function<void(tray::SystemTray)> trayChanged) {
         // A connection of the item's own, which owns no other name: GNOME's extension, which
         // also looks for items on the bus by itself after each lock, keys an item it finds by
         // one of its connection's names, and would show an item found under the application's
@@ -32,18 +32,18 @@ ShellFacilities desktopShellFacilities() {
         const QDBusConnection bus =
             QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("tray"));
         const QString menuPath = QStringLiteral("/MenuBar");
-        auto activation = std::make_shared<platform::PanelActivation>();
-        new platform::DBusMenu(bus, menuPath, menu, activation, context);
+        auto activation = std::make_shared<tray::PanelActivation>();
+        new tray::DBusMenu(bus, menuPath, menu, activation, context);
         // Per session, and gone with it: the icon for panels that load it by name.
         const QString icons =
             QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + "/" + look.id;
-        auto* item = new platform::StatusNotifierItem(
+        auto* item = new tray::StatusNotifierItem(
             bus, std::move(look), QDBusObjectPath(menuPath), std::move(activate), activation, icons,
             kPanelLimit, context);
-        auto* tray = new platform::TrayWatcher(bus, kPanelLimit, context);
-        QObject::connect(tray, &platform::TrayWatcher::statusNotifierHostReady, item,
-                         &platform::StatusNotifierItem::registerWithWatcher);
-        QObject::connect(tray, &platform::TrayWatcher::trayChanged, context,
+        auto* tray = new tray::TrayWatcher(bus, kPanelLimit, context);
+        QObject::connect(tray, &tray::TrayWatcher::statusNotifierHostReady, item,
+                         &tray::StatusNotifierItem::registerWithWatcher);
+        QObject::connect(tray, &tray::TrayWatcher::trayChanged, context,
                          std::move(trayChanged));
         return [activation] { return activation->menuClickToken(); };
     };

@@ -23,10 +23,10 @@ struct ShellFacilities {
     // left. `activate` is a click on the item where the panel opens no menu, with the click's
     // activation token. Must not wait on the bus. Returns what tells, while a menu action
     // runs, the activation token of the panel's click that set it off (empty: none).
-    std::function<std::function<QString()>(QObject* context, platform::StatusItemLook look,
+    std::function<std::function<QString()>(QObject* context, tray::StatusItemLook look,
                                            QMenu* menu,
                                            std::function<void(const QString& token)> activate,
-                                           std::function<void(platform::SystemTray)> trayChanged)>
+                                           std::function<void(tray::SystemTray)> trayChanged)>
         showStatusItem;
     // Where the one permission line goes; may be called from any thread.
     std::function<void(std::string_view)> printLine;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 // The waits before asking a panel again that did not answer: half a second, doubling to four,
 // so that a panel still starting at login is found soon, and one that hangs costs a wake-up
@@ -23,4 +23,4 @@ class Backoff {
     std::chrono::milliseconds wait_ = kFirst;
 };
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

@@ -5,7 +5,7 @@
 #include <QKeySequence>
 #include <algorithm>
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 namespace {
 
@@ -198,4 +198,4 @@ void DBusMenu::refuse(int id) {
     sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("no menu item %1").arg(id));
 }
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

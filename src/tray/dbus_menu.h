@@ -12,7 +12,7 @@
 #include "tray/dbus_menu_types.h"
 #include "tray/panel_activation.h"
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 // A menu of the shell exported as com.canonical.dbusmenu at `path`, as StatusNotifier panels
 // show an item's menu: the menu's actions are items 1, 2, ... under the root 0, read afresh at
@@ -38,12 +38,12 @@ class DBusMenu : public QObject, protected QDBusContext {
 
   public slots:
     uint GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames,
-                   corvane::platform::MenuLayoutItem& layout);
-    QList<corvane::platform::MenuItemProperties> GetGroupProperties(
-        const QList<int>& ids, const QStringList& propertyNames);
+                   corvane::tray::MenuLayoutItem& layout);
+    QList<corvane::tray::MenuItemProperties> GetGroupProperties(const QList<int>& ids,
+                                                                const QStringList& propertyNames);
     QDBusVariant GetProperty(int id, const QString& name);
     void Event(int id, const QString& eventId, const QDBusVariant& data, uint timestamp);
-    QList<int> EventGroup(const QList<corvane::platform::MenuEvent>& events);
+    QList<int> EventGroup(const QList<corvane::tray::MenuEvent>& events);
     bool AboutToShow(int id);
     QList<int> AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors);
 
@@ -63,4 +63,4 @@ class DBusMenu : public QObject, protected QDBusContext {
     std::shared_ptr<PanelActivation> activation_;
 };
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

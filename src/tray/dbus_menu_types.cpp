@@ -2,7 +2,7 @@
 
 #include <QDBusMetaType>
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 void registerMenuTypes() {
     qDBusRegisterMetaType<MenuLayoutItem>();
@@ -70,4 +70,4 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, MenuEvent& event)
     return argument;
 }
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

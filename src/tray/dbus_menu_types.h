@@ -7,7 +7,7 @@
 #include <QString>
 #include <QVariantMap>
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 // com.canonical.dbusmenu's values: an item with its properties and its children (ia{sv}av),
 // an item's properties alone (ia{sv}), and one event of a group (isvu).
@@ -44,8 +44,8 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, MenuItemPropertie
 QDBusArgument& operator<<(QDBusArgument& argument, const MenuEvent& event);
 const QDBusArgument& operator>>(const QDBusArgument& argument, MenuEvent& event);
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray
 
-Q_DECLARE_METATYPE(corvane::platform::MenuLayoutItem)
-Q_DECLARE_METATYPE(corvane::platform::MenuItemProperties)
-Q_DECLARE_METATYPE(corvane::platform::MenuEvent)
+Q_DECLARE_METATYPE(corvane::tray::MenuLayoutItem)
+Q_DECLARE_METATYPE(corvane::tray::MenuItemProperties)
+Q_DECLARE_METATYPE(corvane::tray::MenuEvent)

@@ -6,7 +6,7 @@
 
 #include "tray/png_file.h"
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 QString installedIconName(const QString& name) {
     const QString file = QStringLiteral("icons/hicolor/scalable/apps/%1.svg").arg(name);
@@ -37,4 +37,4 @@ bool writeIconFolder(const QString& folder, const QString& name, const QIcon& ic
            written;
 }
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

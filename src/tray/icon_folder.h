@@ -3,7 +3,7 @@
 #include <QIcon>
 #include <QString>
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 // `name` when an icon of that name is installed where desktops look for application icons;
 // empty otherwise, as when the application runs from its build folder.
@@ -14,4 +14,4 @@ QString installedIconName(const QString& name);
 // folder as a plain search path look. False if any image could not be written.
 bool writeIconFolder(const QString& folder, const QString& name, const QIcon& icon);
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

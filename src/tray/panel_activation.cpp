@@ -4,7 +4,7 @@
 
 #include "platform/window_activation.h"
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 // Panels announce an opening twice (AboutToShow, then "opened"): the second finds nothing new.
 void PanelActivation::menuOpening() {
@@ -26,7 +26,7 @@ QString PanelActivation::spendOnItem() {
 QString PanelActivation::spendInMenu(unsigned x11Time) {
     const QString token = token_.isEmpty() ? menuToken_ : token_;
     drop();
-    return token.isEmpty() ? x11StartupId(x11Time) : token;
+    return token.isEmpty() ? platform::x11StartupId(x11Time) : token;
 }
 
 void PanelActivation::runMenuClick(QAction& action, const QString& token) {
@@ -35,4 +35,4 @@ void PanelActivation::runMenuClick(QAction& action, const QString& token) {
     clickToken_.clear();
 }
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

@@ -3,7 +3,7 @@
 #include <QAction>
 #include <QString>
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 // What a panel hands over for a click: an activation token (KDE, before Activate and as it
 // opens the menu, and in some versions again before a menu click) or, in a menu click, the
@@ -30,4 +30,4 @@ class PanelActivation {
     QString clickToken_;
 };
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

@@ -4,7 +4,7 @@
 #include <QtEndian>
 #include <array>
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 namespace {
 
@@ -61,4 +61,4 @@ bool writePng(const QImage& image, const QString& path) {
            file.commit();
 }
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

@@ -8,7 +8,7 @@
 
 #include "tray/icon_folder.h"
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 namespace {
 
@@ -114,4 +114,4 @@ void StatusNotifierItem::ProvideXdgActivationToken(const QString& token) {
     activation_->provide(token);
 }
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

@@ -13,7 +13,7 @@
 #include "tray/panel_activation.h"
 #include "tray/status_notifier_types.h"
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 // What the item shows, fixed for the run.
 struct StatusItemLook {
@@ -44,13 +44,13 @@ class StatusNotifierItem : public QObject {
     Q_PROPERTY(int WindowId READ windowId)
     Q_PROPERTY(QString IconThemePath READ iconThemePath)
     Q_PROPERTY(QString IconName READ iconName)
-    Q_PROPERTY(QList<corvane::platform::IconPixmap> IconPixmap READ iconPixmap)
+    Q_PROPERTY(QList<corvane::tray::IconPixmap> IconPixmap READ iconPixmap)
     Q_PROPERTY(QString OverlayIconName READ none)
-    Q_PROPERTY(QList<corvane::platform::IconPixmap> OverlayIconPixmap READ noPixmaps)
+    Q_PROPERTY(QList<corvane::tray::IconPixmap> OverlayIconPixmap READ noPixmaps)
     Q_PROPERTY(QString AttentionIconName READ none)
-    Q_PROPERTY(QList<corvane::platform::IconPixmap> AttentionIconPixmap READ noPixmaps)
+    Q_PROPERTY(QList<corvane::tray::IconPixmap> AttentionIconPixmap READ noPixmaps)
     Q_PROPERTY(QString AttentionMovieName READ none)
-    Q_PROPERTY(corvane::platform::ToolTip ToolTip READ toolTip)
+    Q_PROPERTY(corvane::tray::ToolTip ToolTip READ toolTip)
     Q_PROPERTY(bool ItemIsMenu READ itemIsMenu)
     Q_PROPERTY(QDBusObjectPath Menu READ menu)
     Q_PROPERTY(QString XAyatanaLabel READ label)
@@ -121,4 +121,4 @@ class StatusNotifierItem : public QObject {
     QTimer again_;
 };
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

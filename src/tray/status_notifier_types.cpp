@@ -4,7 +4,7 @@
 #include <QPixmap>
 #include <QtEndian>
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 IconPixmaps iconPixmaps(const QIcon& icon) {
     IconPixmaps pixmaps;
@@ -53,4 +53,4 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, ToolTip& toolTip)
     return argument;
 }
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

@@ -7,7 +7,7 @@
 #include <QMetaType>
 #include <QString>
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 // One image of an item's icon as panels take it: ARGB32, in network byte order.
 struct IconPixmap {
@@ -34,7 +34,7 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, IconPixmap& pixma
 QDBusArgument& operator<<(QDBusArgument& argument, const ToolTip& toolTip);
 const QDBusArgument& operator>>(const QDBusArgument& argument, ToolTip& toolTip);
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray
 
-Q_DECLARE_METATYPE(corvane::platform::IconPixmap)
-Q_DECLARE_METATYPE(corvane::platform::ToolTip)
+Q_DECLARE_METATYPE(corvane::tray::IconPixmap)
+Q_DECLARE_METATYPE(corvane::tray::ToolTip)

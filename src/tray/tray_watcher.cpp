@@ -9,7 +9,7 @@
 
 #include "tray/x11_tray_selection.h"
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 namespace {
 
@@ -131,4 +131,4 @@ void TrayWatcher::settle() {
     }
 }
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

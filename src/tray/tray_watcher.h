@@ -7,7 +7,7 @@
 
 #include "tray/backoff.h"
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 class X11TraySelection;
 
@@ -33,7 +33,7 @@ class TrayWatcher : public QObject {
 
   signals:
     // A tray came, went, or another kind took over.
-    void trayChanged(corvane::platform::SystemTray tray);
+    void trayChanged(corvane::tray::SystemTray tray);
     // A StatusNotifier watcher answered that it has a host: after a new watcher took the name, or
     // a host registered. Items register then, not before: a host that is still starting drops an
     // item that the watcher announces before the host listens (seen with waybar). `drawsLabel`:
@@ -61,4 +61,4 @@ class TrayWatcher : public QObject {
     QTimer again_;
 };
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

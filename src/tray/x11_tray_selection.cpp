@@ -6,7 +6,7 @@
 
 #include "platform/x11_connection.h"
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 namespace {
 
@@ -23,12 +23,12 @@ std::uint32_t selectionOwner(xcb_connection_t* connection, std::uint32_t selecti
 // The desktops of today run one X screen (several monitors are outputs of screen 0), so the
 // tray of interest is the one of screen 0.
 X11TraySelection::X11TraySelection(QObject* parent) : QObject(parent) {
-    xcb_connection_t* connection = x11Connection();
+    xcb_connection_t* connection = platform::x11Connection();
     if (connection == nullptr) {
         return;
     }
-    trayAtom_ = internAtom(connection, "_NET_SYSTEM_TRAY_S0");
-    managerAtom_ = internAtom(connection, "MANAGER");
+    trayAtom_ = platform::internAtom(connection, "_NET_SYSTEM_TRAY_S0");
+    managerAtom_ = platform::internAtom(connection, "MANAGER");
     follow(selectionOwner(connection, trayAtom_));
     // Qt listens on the root window for structure events, where MANAGER messages arrive.
     QCoreApplication::instance()->installNativeEventFilter(this);
@@ -37,7 +37,7 @@ X11TraySelection::X11TraySelection(QObject* parent) : QObject(parent) {
 // The owner's DestroyNotify tells that the tray ended. A tray that ended before it was watched
 // is seen by asking the owner again once the watch is in place.
 void X11TraySelection::follow(std::uint32_t owner) {
-    xcb_connection_t* connection = x11Connection();
+    xcb_connection_t* connection = platform::x11Connection();
     while (owner != XCB_WINDOW_NONE) {
         const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
         xcb_change_window_attributes(connection, owner, XCB_CW_EVENT_MASK, &mask);
@@ -76,4 +76,4 @@ bool X11TraySelection::nativeEventFilter(const QByteArray& eventType, void* mess
     return false;  // Qt's own tray code reads the same events
 }
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

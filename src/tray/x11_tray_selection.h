@@ -4,7 +4,7 @@
 #include <QObject>
 #include <cstdint>
 
-namespace corvane::platform {
+namespace corvane::tray {
 
 // Follows the X11 system tray: the owner of the _NET_SYSTEM_TRAY_S0 selection, whose arrival a
 // tray announces with a MANAGER message to the root window, and whose window is destroyed when
@@ -31,4 +31,4 @@ class X11TraySelection : public QObject, public QAbstractNativeEventFilter {
     std::uint32_t owner_ = 0;  // the tray's window, 0 while there is none
 };
 
-}  // namespace corvane::platform
+}  // namespace corvane::tray

@@ -16,8 +16,8 @@
 #include "platform/application_service.h"
 #include "platform/freedesktop_notifications.h"
 #include "platform/session_instance.h"
-#include "tray/tray_watcher.h"
 #include "support.h"
+#include "tray/tray_watcher.h"
 
 namespace corvane::platform {
 namespace {
@@ -166,12 +166,13 @@ TEST(Bus, APanelStillStartingGetsTheItem) {
     watcher.script = {"late", "error", "true", "late", "true", "true"};
     const TempTree folder;
     const QDBusConnection bus = connection("tray");
-    StatusNotifierItem item(bus, {"io.x", "T", "label", app::trayGlyphIcon("x", Qt::red), "io.x"},
-                            QDBusObjectPath("/M"), {}, std::make_shared<PanelActivation>(),
-                            folder.root().c_str(), 200ms);
-    const TrayWatcher tray(bus, 200ms);
-    QObject::connect(&tray, &TrayWatcher::statusNotifierHostReady, &item,
-                     &StatusNotifierItem::registerWithWatcher);
+    tray::StatusNotifierItem item(
+        bus, {"io.x", "T", "label", app::trayGlyphIcon("x", Qt::red), "io.x"},
+        QDBusObjectPath("/M"), {}, std::make_shared<tray::PanelActivation>(), folder.root().c_str(),
+        200ms);
+    const tray::TrayWatcher watching(bus, 200ms);
+    QObject::connect(&watching, &tray::TrayWatcher::statusNotifierHostReady, &item,
+                     &tray::StatusNotifierItem::registerWithWatcher);
     ASSERT_TRUE(QTest::qWaitFor([&] { return watcher.calls == 6; }, 10000))
         << watcher.members.join(" ").toStdString();
     EXPECT_EQ(watcher.members.join(' '),

@@ -20,14 +20,14 @@ using namespace std::chrono_literals;
 
 TEST(Shell, LaunchAsksPermissionExportsTheItemAndFollowsTheTray) {
     platform::NotificationCentre centre(QDBusConnection(QStringLiteral("corvane-no-such-bus")));
-    std::function<void(platform::SystemTray)> trayChanged;
+    std::function<void(tray::SystemTray)> trayChanged;
     std::vector<std::string> lines;  // without a bus the answer comes from this thread's loop
-    std::optional<platform::StatusItemLook> exported;
+    std::optional<tray::StatusItemLook> exported;
     std::function<void(const QString&)> click;
     AppDelegate delegate({[&] { return &centre; },
-                          [&](QObject*, platform::StatusItemLook look, QMenu*,
+                          [&](QObject*, tray::StatusItemLook look, QMenu*,
                               std::function<void(const QString&)> activate,
-                              std::function<void(platform::SystemTray)> changed) {
+                              std::function<void(tray::SystemTray)> changed) {
                               exported = look;
                               click = activate;
                               trayChanged = changed;
@@ -48,17 +48,17 @@ TEST(Shell, LaunchAsksPermissionExportsTheItemAndFollowsTheTray) {
     QTest::qWait(100);
     EXPECT_EQ(lines, std::vector<std::string>{"Notification denied"}) << "no bus, no service";
 
-    trayChanged(platform::SystemTray::StatusNotifier);
+    trayChanged(tray::SystemTray::StatusNotifier);
     EXPECT_EQ(delegate.xembedItem(), nullptr) << "a StatusNotifier panel shows the exported item";
     EXPECT_FALSE(QApplication::quitOnLastWindowClosed()) << "the tray keeps the app";
-    trayChanged(platform::SystemTray::XEmbed);
+    trayChanged(tray::SystemTray::XEmbed);
     QSystemTrayIcon* item = delegate.xembedItem();
     ASSERT_NE(item, nullptr);
     EXPECT_TRUE(item->isVisible());
-    trayChanged(platform::SystemTray::None);  // the panel ended: the window is the app again
+    trayChanged(tray::SystemTray::None);  // the panel ended: the window is the app again
     EXPECT_TRUE(QApplication::quitOnLastWindowClosed());
     EXPECT_FALSE(item->isVisible());
-    trayChanged(platform::SystemTray::XEmbed);  // and started again: still the one item
+    trayChanged(tray::SystemTray::XEmbed);  // and started again: still the one item
     EXPECT_EQ(delegate.xembedItem(), item);
     EXPECT_FALSE(QApplication::quitOnLastWindowClosed());
 
@@ -78,7 +78,7 @@ TEST(Shell, PanelCallsOnTheItemAndItsMenuTable) {
         ran = (ran == "-" ? "" : ran + ", ") + action + (token.isEmpty() ? "" : " ") +
               token.toStdString();
     };
-    auto activation = std::make_shared<platform::PanelActivation>();
+    auto activation = std::make_shared<tray::PanelActivation>();
     QMenu menu;
     for (const char* label : {"Open App", "", "Quit"}) {
         QAction* action = *label ? menu.addAction(label) : menu.addSeparator();
@@ -86,9 +86,9 @@ TEST(Shell, PanelCallsOnTheItemAndItsMenuTable) {
                          [&, label] { run(label, activation->menuClickToken()); });
     }
     menu.actions().first()->setShortcut(QKeySequence("Ctrl+Shift+O"));
-    const platform::DBusMenu exported(bus, QStringLiteral("/MenuBar"), &menu, activation);
+    const tray::DBusMenu exported(bus, QStringLiteral("/MenuBar"), &menu, activation);
     const testing::TempTree icons;
-    const platform::StatusNotifierItem item(
+    const tray::StatusNotifierItem item(
         bus, {}, {}, [&](const QString& token) { run("Open App", token); }, activation, icons.root().c_str(), 100ms);
     for (const auto& c : testing::caseTable("menu_calls")) {
         const QString method = QString::fromStdString(c[0]);
