@@ -13,7 +13,7 @@ set -euo pipefail
 
 run=(
     g++ make cmake ninja-build pkg-config
-    qt6-base-dev qt6-charts-dev libqt6opengl6-dev libxcb1-dev
+    qt6-base-dev qt6-charts-dev libqt6opengl6-dev libxcb1-dev libpng-dev
     # A native window on Wayland; a virtual display and a session bus where there is no desktop.
     qt6-wayland fonts-dejavu-core xvfb xauth dbus
     # Qt's SVG icon engine, which draws the installed icon on the window (renamed in Debian 13).

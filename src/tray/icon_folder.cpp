@@ -1,12 +1,31 @@
 #include "tray/icon_folder.h"
 
+#include <png.h>
+
 #include <QDir>
+#include <QFile>
 #include <QPixmap>
 #include <QStandardPaths>
 
-#include "tray/png_file.h"
-
 namespace corvane::tray {
+
+namespace {
+
+// libpng's simplified writer. QtGui links libpng already; Qt's own image writer would first load
+// every image-format plugin it has to find PNG's, and keep them for the rest of the run (1.1 MB).
+bool writePng(const QImage& image, const QString& path) {
+    const QImage rgba = image.convertToFormat(QImage::Format_RGBA8888);
+    png_image png{};
+    png.version = PNG_IMAGE_VERSION;
+    png.width = static_cast<png_uint_32>(rgba.width());
+    png.height = static_cast<png_uint_32>(rgba.height());
+    png.format = PNG_FORMAT_RGBA;
+    // libpng frees what it allocated for `png` before it returns, and removes a half-written file.
+    return png_image_write_to_file(&png, QFile::encodeName(path).constData(), 0, rgba.constBits(),
+                                   static_cast<png_int_32>(rgba.bytesPerLine()), nullptr) != 0;
+}
+
+}  // namespace
 
 QString installedIconName(const QString& name) {
     const QString file = QStringLiteral("icons/hicolor/scalable/apps/%1.svg").arg(name);
