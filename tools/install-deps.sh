@@ -8,7 +8,7 @@
 #   install-deps.sh test   ... and the whole test suite and the benchmarks (make test, make bench)
 #   install-deps.sh fuzz   ... and clang with libFuzzer (fuzz/README.md)
 #   install-deps.sh ci     what CI needs beyond `make test`: the fresh Debian root's debootstrap
-# Each entry is a dependency as Debian writes one: "a | b" takes whichever apt offers first.
+# Each entry is a dependency as Debian writes one: "a | b (<< 2)" takes whichever apt offers first.
 set -euo pipefail
 
 run=(
@@ -16,8 +16,9 @@ run=(
     qt6-base-dev qt6-charts-dev libqt6opengl6-dev libxcb1-dev libpng-dev
     # A native window on Wayland; a virtual display and a session bus where there is no desktop.
     qt6-wayland fonts-dejavu-core xvfb xauth dbus
-    # Qt's SVG icon engine, which draws the installed icon on the window (renamed in Debian 13).
-    "qt6-svg-plugins | libqt6svg6"
+    # Qt's SVG icon engine, which draws the installed icon on the window: in libqt6svg6 up to Qt
+    # 6.5 (Debian 12), in qt6-svg-plugins since (Debian 13). The package depends on the same.
+    "qt6-svg-plugins | libqt6svg6 (<< 6.6)"
 )
 deb=(dpkg-dev)
 test=(
@@ -49,11 +50,16 @@ sudo=()
 if [ "$(id -u)" -ne 0 ]; then
     sudo=(sudo)
 fi
-installed() {  # any of the alternatives, by dpkg's untranslated status
-    local p status
-    for p in ${1//|/ }; do
-        status=$(dpkg-query -W -f='${Status},' "$p" 2>/dev/null) || true
-        [[ ",$status" == *",install ok installed,"* ]] && return 0
+installed() {  # any of the alternatives "name" or "name (op version)", by dpkg's untranslated status
+    local alternative name op version status
+    local -a alternatives
+    IFS='|' read -ra alternatives <<<"$1"
+    for alternative in "${alternatives[@]}"; do
+        read -r name op version <<<"${alternative//[()]/ }"
+        status=$(dpkg-query -W -f='${Status},${Version}' "$name" 2>/dev/null) || continue
+        [[ "$status" == "install ok installed,"* ]] || continue
+        # A version that does not fit leaves this branch to apt: Debian 13's libqt6svg6 lacks the engine.
+        [ -z "$op" ] || dpkg --compare-versions "${status#*,}" "$op" "$version" && return 0
     done
     return 1
 }
