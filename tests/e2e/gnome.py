@@ -22,6 +22,11 @@ const click = actor => {
     for (const state of [Clutter.ButtonState.PRESSED, Clutter.ButtonState.RELEASED])
         testPointer.notify_button(globalThis.testClickTime = GLib.get_monotonic_time(), Clutter.BUTTON_PRIMARY, state);
 };
+// A click this soon after the last one would make it a double click, which the extension takes as Activate.
+const withinDoubleClick = () =>
+    GLib.get_monotonic_time() <= (globalThis.testClickTime ?? 0) + 1000 * Clutter.Settings.get_default().doubleClickTime;
+// The texts of an open menu's items once it takes input; nothing while it opens or is closed.
+const openItems = m => m?.isOpen && !m.actor._muteInput ? m.box.get_children().flatMap(texts).filter(t => t) : [];
 """
 
 
@@ -54,14 +59,19 @@ def gnome(desktop):
 
     def menu(item=None):
         """Opens the indicator's menu with a click: its items, or the item clicked in it."""
-        # One click on the indicator once its menu has items and the last click is no longer a double click's
-        # first half, one more only on an indicator that replaced it; the menu takes input once it has opened.
-        clicked, action = time.monotonic_ns(), f"click(m.box.get_children().find(c => texts(c).includes('{item}')))"
-        return wait_for("the menu open", lambda: shell(
-            f"const i = indicators()[0], m = i?.menu; m?.numMenuItems && i.clicked !== {clicked} && GLib.get_monotonic_time() "
-            f"> (globalThis.testClickTime ?? 0) + 1000 * Clutter.Settings.get_default().doubleClickTime && click(i, i.clicked "
-            f"= {clicked}); const items = m?.isOpen && !m.actor._muteInput && m.box.get_children().flatMap(texts)"
-            f".filter(t => t); items?.length && {action if item else 'm.close()'}, items"))
+        mark = time.monotonic_ns()  # this call's click, noted on the indicator it clicked
+
+        def opened():
+            # One click on the indicator once its menu has items and the last click cannot pair with it;
+            # one more only on an indicator that replaced it (the extension rebuilds it after a lock).
+            shell(f"const i = indicators()[0]; i?.menu?.numMenuItems && i.clicked !== {mark} && !withinDoubleClick() "
+                  f"&& click(i, i.clicked = {mark})")
+            items = shell("openItems(indicators()[0]?.menu)")
+            if items:
+                shell(f"const m = indicators()[0].menu; click(m.box.get_children().find(c => texts(c).includes('{item}')))"
+                      if item else "indicators()[0].menu.close()")
+            return items
+        return wait_for("the menu open", opened)
 
     # Settings in a file of this desktop's own (no dconf service), and a system bus of its own where
     # the shell asks for logind (absent) and the display manager.
