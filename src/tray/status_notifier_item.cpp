@@ -1,5 +1,6 @@
 #include "tray/status_notifier_item.h"
 
+#include <unistd.h>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
@@ -63,21 +64,33 @@ QString StatusNotifierItem::iconName() const {
     return drawsLabel_ ? emptyIconName(look_.iconName) : look_.iconName;
 }
 
-void StatusNotifierItem::registerWithWatcher(bool drawsLabel) {
+void StatusNotifierItem::registerWithWatcher(PanelHost host) {
+    const bool drawsLabel = host == PanelHost::Labels;
     if (std::exchange(drawsLabel_, drawsLabel) != drawsLabel) {
         emit NewIcon();
     }
+    // Registered by the connection's unique name, where the watcher finds the item at the usual
+    // path: GNOME's extension follows an item's well-known name by itself, and then once built
+    // no menu. XApp's watcher gets a name of the item's own, which no other name begins.
+    service_ = bus_.baseService();
+    if (host == PanelHost::XApp) {
+        service_ = QStringLiteral("org.kde.StatusNotifierItem-%1-0").arg(::getpid());
+        QDBusMessage own = QDBusMessage::createMethodCall(
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("RequestName"));
+        // The bus takes the name before it passes on the registration sent after it.
+        bus_.send(own << service_ << 4u /* do not queue */);
+    }
     backoff_.reset();
-    followUp_ = true;
+    followUp_ = drawsLabel;
     sendRegistration();
 }
 
-// Registered by the connection's unique name: the watcher finds the item at the usual path.
 void StatusNotifierItem::sendRegistration() {
     again_.stop();
     QDBusMessage message = QDBusMessage::createMethodCall(
         kWatcher, kWatcherPath, kWatcher, QStringLiteral("RegisterStatusNotifierItem"));
-    message << bus_.baseService();
+    message << service_;
     auto* call = new QDBusPendingCallWatcher(
         bus_.asyncCall(message, static_cast<int>(timeout_.count())), this);
     connect(call, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* done) {

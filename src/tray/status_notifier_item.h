@@ -100,10 +100,11 @@ class StatusNotifierItem : public QObject {
 
   public:
     // Registers with the session's StatusNotifier watcher; to be called each time it has a host,
-    // saying whether that host draws the label. A second registration follows the first one
+    // saying which. Where the host draws the label, a second registration follows the first one
     // accepted a second later: GNOME 48's extension reads the label with every other property
     // at registration but draws it only when the label changes or the item registers again.
-    void registerWithWatcher(bool drawsLabel);
+    // Elsewhere the watcher is told once.
+    void registerWithWatcher(corvane::tray::PanelHost host);
 
   private:
     void sendRegistration();
@@ -115,6 +116,7 @@ class StatusNotifierItem : public QObject {
     std::shared_ptr<PanelActivation> activation_;
     QString iconFolder_;
     std::chrono::milliseconds timeout_;
+    QString service_;  // the name the item is registered by
     bool drawsLabel_ = false;
     bool followUp_ = false;
     Backoff backoff_;

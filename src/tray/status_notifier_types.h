@@ -9,6 +9,15 @@
 
 namespace corvane::tray {
 
+// The panel behind a StatusNotifier watcher, as far as an item registers differently for it.
+enum class PanelHost {
+    Icons,   // shows the icon: KDE, waybar, Xfce, LXQt
+    Labels,  // draws the label as text: GNOME's AppIndicator extension, the Ayatana indicators
+    // XApp's watcher (Cinnamon, and MATE or Xfce with XApp's applets): it drops an item when any
+    // name that begins the item's name leaves the bus, so ":1.2" leaving drops ":1.20".
+    XApp,
+};
+
 // One image of an item's icon as panels take it: ARGB32, in network byte order.
 struct IconPixmap {
     int width = 0;

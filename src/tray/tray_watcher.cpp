@@ -16,9 +16,11 @@ namespace {
 const QString kWatcher = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
 constexpr std::chrono::milliseconds kX11Settle{500};
-// Hosts that draw an item's label beside its icon, by the names their watcher's process owns.
-const QStringList kLabelHosts = {QStringLiteral("org.gnome.Shell"),
-                                 QStringLiteral("org.ayatana.indicator.application")};
+// Hosts told by the names their watcher's process owns.
+const QList<std::pair<QString, PanelHost>> kHosts = {
+    {QStringLiteral("org.gnome.Shell"), PanelHost::Labels},
+    {QStringLiteral("org.ayatana.indicator.application"), PanelHost::Labels},
+    {QStringLiteral("org.x.StatusNotifierWatcher"), PanelHost::XApp}};
 
 }  // namespace
 
@@ -82,7 +84,7 @@ void TrayWatcher::ask() {
         if (error == QDBusError::NoError) {
             host_ = reply.value().variant().toBool() ? Host::Present : Host::Absent;
             if (host_ == Host::Present) {
-                findLabelHost(question);
+                findHost(question);
             }
         } else {
             // Nobody owns the name: no watcher. Anything else (no reply in time, a broken
@@ -98,8 +100,11 @@ void TrayWatcher::ask() {
 
 // The bus itself answers, at once, which process owns a name. Ayatana's indicator service owns
 // the watcher's name on a connection of its own.
-void TrayWatcher::findLabelHost(quint64 question) {
-    const QStringList names = QStringList{kWatcher} + kLabelHosts;
+void TrayWatcher::findHost(quint64 question) {
+    QStringList names{kWatcher};
+    for (const auto& host : kHosts) {
+        names << host.first;
+    }
     auto processes = std::make_shared<QList<uint>>(names.size(), 0);
     auto unanswered = std::make_shared<qsizetype>(names.size());
     for (qsizetype i = 0; i < names.size(); ++i) {
@@ -114,7 +119,8 @@ void TrayWatcher::findLabelHost(quint64 question) {
             (*processes)[i] = reply.isError() ? 0 : reply.value();
             if (--*unanswered == 0 && question == question_) {
                 const uint watcher = processes->first();
-                emit statusNotifierHostReady(watcher != 0 && processes->lastIndexOf(watcher) > 0);
+                const qsizetype host = watcher != 0 ? processes->lastIndexOf(watcher) : 0;
+                emit statusNotifierHostReady(host > 0 ? kHosts[host - 1].second : PanelHost::Icons);
             }
         });
     }

@@ -6,6 +6,7 @@
 #include <chrono>
 
 #include "tray/backoff.h"
+#include "tray/status_notifier_types.h"
 
 namespace corvane::tray {
 
@@ -36,10 +37,9 @@ class TrayWatcher : public QObject {
     void trayChanged(corvane::tray::SystemTray tray);
     // A StatusNotifier watcher answered that it has a host: after a new watcher took the name, or
     // a host registered. Items register then, not before: a host that is still starting drops an
-    // item that the watcher announces before the host listens (seen with waybar). `drawsLabel`:
-    // the host draws the item's label as text (GNOME Shell's AppIndicator extension, the Ayatana
-    // indicators of MATE and others), told by the watcher's owner also owning the host's name.
-    void statusNotifierHostReady(bool drawsLabel);
+    // item that the watcher announces before the host listens (seen with waybar). Which host it
+    // is, is told by the watcher's process also owning the host's own name.
+    void statusNotifierHostReady(corvane::tray::PanelHost host);
 
   private slots:
     // A new watcher, or a new host: asked at once, backoff anew.
@@ -48,7 +48,7 @@ class TrayWatcher : public QObject {
   private:
     enum class Host { Unknown, Absent, Present, Stuck };
     void ask();
-    void findLabelHost(quint64 question);
+    void findHost(quint64 question);
     void settle();
 
     QDBusConnection bus_;

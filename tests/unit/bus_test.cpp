@@ -38,10 +38,12 @@ struct Server : QDBusVirtualObject {
         : bus(connection(name)), answers(answers) {
         bus.registerVirtualObject(path, this) && bus.registerService(service);
     }
+    ~Server() override { QDBusConnection::disconnectFromBus(bus.name()); }  // its names go too
     QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& call, const QDBusConnection& via) override {
         ++calls;
         members << call.member();
+        firsts << call.arguments().value(0).toString();
         if (!script.empty()) {
             reply = script.front();
             script.pop_front();
@@ -58,7 +60,7 @@ struct Server : QDBusVirtualObject {
     uint lastId = 6, calls = 0;
     std::string reply;
     std::deque<std::string> script;
-    QStringList members;
+    QStringList members, firsts;
 };
 
 struct Clicks : NotificationCentreDelegate {
@@ -194,6 +196,27 @@ TEST(Bus, APanelStillStartingGetsTheItem) {
     drawn.setColorSpace(QColorSpace::SRgb);  // the file says so
     EXPECT_EQ(glyph.convertToFormat(QImage::Format_ARGB32),
               drawn.convertToFormat(QImage::Format_ARGB32));
+}
+
+// XApp's watcher (Cinnamon) drops an item when a name that begins the item's name leaves the bus:
+// ":1.2" leaving drops ":1.20". It is told, once, a name of the item's own that no name begins.
+TEST(Bus, XAppsWatcherGetsTheItemOnceByANameOfItsOwn) {
+    CORVANE_SKIP_WITHOUT_SESSION_BUS();
+    Server watcher("xapp", "/StatusNotifierWatcher", "org.kde.StatusNotifierWatcher");
+    watcher.bus.registerService("org.x.StatusNotifierWatcher");
+    watcher.reply = "true";
+    const QDBusConnection bus = connection("xapp-tray");
+    tray::StatusNotifierItem item(bus, {"io.x", "T", "label", {}, "io.x"}, QDBusObjectPath("/M"),
+                                  {}, std::make_shared<tray::PanelActivation>(), {}, 200ms);
+    const tray::TrayWatcher watching(bus, 200ms);
+    QObject::connect(&watching, &tray::TrayWatcher::statusNotifierHostReady, &item,
+                     &tray::StatusNotifierItem::registerWithWatcher);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return watcher.calls == 2; }));
+    QTest::qWait(1500);  // where a second registration would come
+    EXPECT_EQ(watcher.members.join(' '), "Get RegisterStatusNotifierItem");
+    const QString name = watcher.firsts.last();
+    EXPECT_EQ(watcher.bus.interface()->serviceOwner(name).value(), bus.baseService());
+    EXPECT_NE(name, bus.baseService());
 }
 
 }  // namespace
