@@ -31,10 +31,11 @@ failed() {
     exit 1
 }
 step() {  # step NAME COMMAND: COMMAND run in the root's clone, timed
-    local start=$SECONDS log
+    local start=$SECONDS log passed
     log="$(mktemp "$work/step.XXXXXX")"
     inside "$2" >"$log" 2>&1 || failed "$1" $((SECONDS - start)) "$log"
-    say "$1: ok, $((SECONDS - start)) s"
+    passed="$(grep -m1 -o '[0-9]*% tests passed.*' "$log" || true)"
+    say "$1: ok, $((SECONDS - start)) s${passed:+, $passed}"
 }
 
 start=$SECONDS
