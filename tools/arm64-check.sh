@@ -3,10 +3,10 @@
 # Debian 13 root of its own (tools/debian-root.sh) with arm64 added as a foreign architecture
 # there, never on this machine; Debian's cross toolchain (crossbuild-essential-arm64), the :arm64
 # Qt development packages, and qemu-user to run what was built. Needs root.
-#   tools/arm64-check.sh deb   the package of the last commit, copied to build/arm64/; prints its path
-#   tools/arm64-check.sh       (CI) one cross build with the tests, which makes the package; the unit
-#       suite and the package's checks under qemu-user (the desktops stay on amd64); the program
-#       started (desktop_test.py started); the package made again from another clone, compared.
+#   tools/arm64-check.sh deb  the package of the last commit, copied to build/arm64/; its path
+#   tools/arm64-check.sh      (CI) one cross build with the tests, which makes the package; the
+#       unit suite and the package's checks under qemu-user (the desktops stay on amd64); the
+#       program started (desktop_test.py started); the package made again elsewhere, compared.
 # One line per step with its time; the end of the log of a step that failed follows its line.
 set -euo pipefail
 mode="${1:-check}"
@@ -15,9 +15,11 @@ source "$(dirname "$0")/debian-root.sh"
 # Beside the toolchain and the arm64 libraries: this machine's Qt tools (moc), and what the
 # tests use: a display, buses, the screen readers' bus with its Python bindings, gdbus,
 # nss_wrapper, the German locale and the package's checks.
-packages=(crossbuild-essential-arm64 pkgconf:arm64 cmake ninja-build git ca-certificates dpkg-dev file
+packages=(crossbuild-essential-arm64 pkgconf:arm64 cmake ninja-build git ca-certificates
+    dpkg-dev file
     qt6-base-dev:arm64 qt6-charts-dev:arm64 libqt6opengl6-dev:arm64 libxcb1-dev:arm64
-    qt6-qpa-plugins:arm64 qt6-base-dev-tools qemu-user libgtest-dev:arm64 libnss-wrapper:arm64
+    libpng-dev:arm64 qt6-qpa-plugins:arm64 qt6-base-dev-tools qemu-user
+    libgtest-dev:arm64 libnss-wrapper:arm64
     xvfb xauth x11-utils dbus at-spi2-core python3-pyatspi python3-gi libglib2.0-bin
     fonts-dejavu-core locales lintian appstream desktop-file-utils)
 provision="dpkg --add-architecture arm64 && apt-get update -qq &&
@@ -39,7 +41,8 @@ step() {  # step NAME COMMAND: COMMAND run in the root's clone, timed
 }
 
 start=$SECONDS
-root_make trixie-arm64 trixie "$provision" || failed "the root" $((SECONDS - start)) "$cache/trixie-arm64.log"
+root_make trixie-arm64 trixie "$provision" ||
+    failed "the root" $((SECONDS - start)) "$cache/trixie-arm64.log"
 say "the root: ok, $((SECONDS - start)) s"
 root_open trixie-arm64
 if [ "$mode" = deb ]; then
@@ -49,8 +52,10 @@ if [ "$mode" = deb ]; then
     ls "$repo"/build/arm64/corvane_*_arm64.deb
     exit 0
 fi
-step "cross build with the tests" "bash tools/build-deb.sh build/arm64 arm64 -DCORVANE_BUILD_TESTS=ON"
-step "unit suite and package checks under qemu-user" \
-    "cd build/arm64 && dbus-run-session -- xvfb-run -a ctest -LE 'desktop|start' -j2 --output-on-failure"
+step "cross build with the tests" \
+    "bash tools/build-deb.sh build/arm64 arm64 -DCORVANE_BUILD_TESTS=ON"
+step "unit suite and package checks under qemu-user" "cd build/arm64 &&
+    dbus-run-session -- xvfb-run -a ctest -LE 'desktop|start' -j2 --output-on-failure"
 step "start under qemu-user" "cd build/arm64 && ctest -L start --output-on-failure"
-step "the same package from another clone" "bash tools/deb-again.sh build/arm64/corvane_*_arm64.deb arm64"
+step "the same package from another clone" \
+    "bash tools/deb-again.sh build/arm64/corvane_*_arm64.deb arm64"

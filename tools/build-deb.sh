@@ -22,8 +22,8 @@ if [ -n "$arch" ]; then
         -DCMAKE_CROSSCOMPILING_EMULATOR="/usr/bin/qemu-$DEB_HOST_GNU_CPU"
         -DCPACK_DEBIAN_PACKAGE_ARCHITECTURE="$DEB_HOST_ARCH")
 fi
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCORVANE_BUILD_TESTS=OFF -DCORVANE_BUILD_BENCH=OFF \
-    "${cross[@]}" "$@"
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCORVANE_BUILD_TESTS=OFF \
+    -DCORVANE_BUILD_BENCH=OFF "${cross[@]}" "$@"
 cmake --build "$build" -j2
 (cd "$build" && cpack -G DEB)
 realpath "$build"/corvane_*.deb
