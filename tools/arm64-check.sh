@@ -54,8 +54,10 @@ if [ "$mode" = deb ]; then
 fi
 step "cross build with the tests" \
     "bash tools/build-deb.sh build/arm64 arm64 -DCORVANE_BUILD_TESTS=ON"
-step "unit suite and package checks under qemu-user" "cd build/arm64 &&
-    dbus-run-session -- xvfb-run -a ctest -LE 'desktop|start' -j2 --output-on-failure"
+# Less the death test that executes the test program anew: under qemu-user that needs a binfmt
+# handler, which would be this machine's, not the root's.
+step "unit suite and package checks under qemu-user" "cd build/arm64 && dbus-run-session --
+    xvfb-run -a ctest -LE 'desktop|start' -E WhileTheDesktopStarts -j2 --output-on-failure"
 step "start under qemu-user" "cd build/arm64 && ctest -L start --output-on-failure"
 step "the same package from another clone" \
     "bash tools/deb-again.sh build/arm64/corvane_*_arm64.deb arm64"
