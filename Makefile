@@ -29,11 +29,18 @@ test: build-dev
 test-asan: build-asan
 	dbus-run-session -- xvfb-run -a -s "-screen 0 1280x1024x24" ctest --preset asan
 
-# The Debian package of a release build, named by CPack: build/release/corvane_<v>_<arch>.deb
-deb: build-release
+# The Debian package of a release build, named by CPack: build/release/corvane_<v>_<arch>.deb,
+# its file times the last commit's. ARCH=arm64: cross-built in a Debian root of its own, which
+# needs root (tools/arm64-check.sh): build/arm64/corvane_<v>_arm64.deb
+deb: $(if $(filter arm64,$(ARCH)),,build-release)
+ifeq ($(ARCH),arm64)
+	@bash tools/install-deps.sh ci
+	$(if $(filter 0,$(shell id -u)),,sudo) bash tools/arm64-check.sh deb
+else
 	@bash tools/install-deps.sh deb
 	cmake --preset release >/dev/null
-	cd build/release && cpack -G DEB
+	cd build/release && SOURCE_DATE_EPOCH=$$(git log -1 --format=%ct) cpack -G DEB
+endif
 
 bench: build-release
 	@bash tools/install-deps.sh test

@@ -94,7 +94,9 @@ PowerSourceReader::Battery PowerSourceReader::batteryFiles(const std::string& su
 // pad reports its own battery here). The first battery by name is the power source. Its
 // capacity pair is the first one the battery has: energy_*, else charge_*, else capacity.
 // What the files hold does not choose: a value unreadable for a moment must fail that one
-// read (the fields keep their values), not switch the level to another source.
+// read (the fields keep their values), not switch the level to another source. Only a full
+// capacity of 0 passes a pair over: a driver that does not know it (Asahi's newer
+// macsmc-battery gives energy_full 0 beside a working charge pair).
 void PowerSourceReader::rescan() {
     scanned_ = true;
     readsSinceScan_ = 0;
@@ -109,7 +111,8 @@ void PowerSourceReader::rescan() {
         } else if (type == "Battery" && !battery_ && readText(supply, "scope") != "Device") {
             for (const Capacity capacity : {Capacity::Energy, Capacity::Charge}) {
                 Battery candidate = batteryFiles(supply, capacity);
-                if (exists(candidate.now) && exists(candidate.full)) {
+                if (exists(candidate.now) && exists(candidate.full) &&
+                    readInteger(candidate.full) != 0) {
                     battery_.emplace(std::move(candidate));
                     break;
                 }

@@ -9,9 +9,11 @@ last), screen.png (at the failure), each program's output; the steps are in ctes
     desktop_test.py wayland APP FIXTURE   headless sway, waybar started after the app, dunst
     desktop_test.py x11 APP FIXTURE       Xvfb, a notification service that hangs, trayer later
     desktop_test.py gnome APP FIXTURE     headless GNOME Shell with its AppIndicator extension (gnome.py)
-APP is the test build (corvane-test-app) that reads /proc and /sys below a copy of FIXTURE. The
-names the desktop knows the app by come from the desktop entry in packaging/."""
-import glob, json, os, re, shutil, signal, subprocess, sys, tempfile, time
+    desktop_test.py started APP FIXTURE   Xvfb and a stand-in tray watcher: the program as built starts
+APP is the test build (corvane-test-app) that reads /proc and /sys below a copy of FIXTURE, or for
+`started` the program itself, run through $CORVANE_EMULATOR when that names one (qemu-user for a
+cross build). The names the desktop knows the app by come from the desktop entry in packaging/."""
+import glob, json, os, re, shutil, signal, subprocess, sys, tempfile, threading, time
 from gi.repository import Gio, GLib
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -74,7 +76,8 @@ class Desktop:
 
     def launch(self, platform, name="app", **env):
         out, errors = (open(f"{self.home}/{name}.{kind}", "w+") for kind in ("out", "err"))
-        app = subprocess.Popen([self.binary, "--root", self.root], stdout=out, stderr=errors,
+        emulator = os.environ.get("CORVANE_EMULATOR", "").split(";")
+        app = subprocess.Popen([*filter(None, emulator), self.binary, "--root", self.root], stdout=out, stderr=errors,
                                env={**os.environ, "QT_QPA_PLATFORM": platform, "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
                                     "LSAN_OPTIONS": f"suppressions={HERE}/lsan.supp:fast_unwind_on_malloc=0", **env})
         app.out, app.errors = out, errors
@@ -212,18 +215,42 @@ def wayland(desktop):
     ended(desktop.app)
 
 
-def x11(desktop):
-    print("== no desktop to show on: one line on standard error, status 1, no name on the bus")
-    for display in ("", ":4242"):
-        status, out, errors = desktop.launch_again("xcb", DISPLAY=display)
-        assert (status, out, errors.count("\n"), desktop.has_owner(desktop.id)) == (1, "", 1, False), (status, errors)
-        assert (display or "DISPLAY") in errors and "graphical session" in errors, errors
+def xvfb(desktop):
     display = desktop.start("Xvfb", "-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp", "-noreset",
                             stdout=subprocess.PIPE)
     os.environ["DISPLAY"] = ":" + display.stdout.readline().decode().strip()
     # On a loaded machine the display was seen to refuse the first client just after announcing it,
     # and Corvane, once, after that client had left: -noreset keeps the server as it is then.
     wait_for("the X display", lambda: subprocess.run(["xdpyinfo"], capture_output=True).returncode == 0)
+
+
+def started(desktop):
+    print("== on Xvfb with a stand-in tray watcher: six rows with values, and the item registered")
+    xvfb(desktop)
+    watcher, items = "org.kde.StatusNotifierWatcher", []
+    node = Gio.DBusNodeInfo.new_for_xml(
+        f"<node><interface name='{watcher}'><method name='RegisterStatusNotifierItem'><arg type='s'/></method>"
+        "<property name='IsStatusNotifierHostRegistered' type='b' access='read'/></interface></node>")
+    desktop.bus.register_object("/StatusNotifierWatcher", node.interfaces[0],
+                                lambda bus, sender, *call: items.append((sender, *call[3].unpack())) or call[4].return_value(None),
+                                lambda *get: GLib.Variant("b", True))
+    threading.Thread(target=GLib.MainLoop().run, daemon=True).start()  # answers the watcher's calls
+    desktop.ask_bus("RequestName", "(su)", watcher, 0)
+    desktop.app = desktop.launch("xcb")
+    window, values, chart = screen_reader(desktop)
+    value = r"\d+\.\d\d (%|MB/s)|\d+% \((Charging|On Battery|Unknown)\)"
+    wait_for("a value in each row", lambda: all(re.fullmatch(value, node.name) for node in values.values()), 20,
+             shown=lambda: {row: node.name for row, node in values.items()})
+    wait_for("the item registered with the watcher", lambda: items and items[0][0] == items[0][1], 20, shown=lambda: items)
+
+
+def x11(desktop):
+    print("== no desktop to show on: one line on standard error, status 1, no name on the bus")
+    for display in ("", ":4242"):
+        status, out, errors = desktop.launch_again("xcb", DISPLAY=display)
+        assert (status, out, errors.count("\n"), desktop.has_owner(desktop.id)) == (1, "", 1, False), (status, errors)
+        assert (display or "DISPLAY") in errors and "graphical session" in errors, errors
+    xvfb(desktop)
     # A notification service that takes the permission question and never answers it: the main
     # loop that would is never run.
     node = Gio.DBusNodeInfo.new_for_xml(f"<node><interface name='{NOTIFICATIONS}'>"
@@ -296,8 +323,8 @@ def main():
         desktop = Desktop(home[0], binary, fixture)
         try:
             desktop.begin()
-            import gnome
-            {"wayland": wayland, "x11": x11, "gnome": gnome.gnome}[scenario](desktop)
+            scenarios = {"wayland": wayland, "x11": x11, "started": started}  # gnome.py's imports only for it
+            (scenarios.get(scenario) or __import__("gnome").gnome)(desktop)
         except BaseException:
             "WAYLAND_DISPLAY" in os.environ and run("grim", f"{home[0]}/screen.png")
             raise

@@ -33,6 +33,7 @@ TEST(Monitor, BadInputGivesTheNeutralValueAndHealsTable) {
         const auto healthy = rig.tick();
         if (c[1] == "healthy") {
             EXPECT_EQ(healthy, changed(healthy, c[4]));
+            EXPECT_TRUE(rig.posted.empty());
             continue;
         }
         const std::string file =

@@ -69,11 +69,10 @@ TEST(Sources, FixtureMachinesAndPowerSuppliesTables) {
     for (const auto& c : caseTable("machines")) {
         const TempTree tree(c[0]);
         const auto ticks = CpuLoadReader(tree.root()).read();
-        EXPECT_EQ(
-            join(ticks ? show(cpuUsagePercent(*ticks)) : "-", "|",
-                 MemoryReader(tree.root(), 4096).read(), "|", PowerSourceReader(tree.root()).read(),
-                 "|", NetworkReader(tree.root()).read()),
-            join(c[1], "|", c[2], "|", c[3], "|", c[4]))
+        EXPECT_EQ(join(ticks ? show(cpuUsagePercent(*ticks)) : "-", "|",
+                       MemoryReader(tree.root(), std::stoull(c[1])).read(), "|",
+                       PowerSourceReader(tree.root()).read(), "|", NetworkReader(tree.root()).read()),
+                  join(c[2], "|", c[3], "|", c[4], "|", c[5]))
             << c.where;
     }
     std::optional<TempTree> tree;
