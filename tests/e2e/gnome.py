@@ -60,18 +60,12 @@ def gnome(desktop):
     def menu(item=None):
         """Opens the indicator's menu with a click: its items, or the item clicked in it."""
         mark = time.monotonic_ns()  # this call's click, noted on the indicator it clicked
-
-        def opened():
-            # One click on the indicator once its menu has items and the last click cannot pair with it;
-            # one more only on an indicator that replaced it (the extension rebuilds it after a lock).
-            shell(f"const i = indicators()[0]; i?.menu?.numMenuItems && i.clicked !== {mark} && !withinDoubleClick() "
-                  f"&& click(i, i.clicked = {mark})")
-            items = shell("openItems(indicators()[0]?.menu)")
-            if items:
-                shell(f"const m = indicators()[0].menu; click(m.box.get_children().find(c => texts(c).includes('{item}')))"
-                      if item else "indicators()[0].menu.close()")
-            return items
-        return wait_for("the menu open", opened)
+        pick = f"click(m.box.get_children().find(c => texts(c).includes('{item}')))" if item else "m.close()"
+        # One click on the indicator once its menu has items and the last click cannot pair with it (one more only on
+        # an indicator that replaced it, after a lock); then the items of the open menu, and a click in it or its close.
+        return wait_for("the menu open", lambda: shell(
+            f"const i = indicators()[0], m = i?.menu; m?.numMenuItems && i.clicked !== {mark} && !withinDoubleClick() "
+            f"&& click(i, i.clicked = {mark}); const items = openItems(m); items.length && {pick}; items"))
 
     # Settings in a file of this desktop's own (no dconf service), and a system bus of its own where
     # the shell asks for logind (absent) and the display manager.
