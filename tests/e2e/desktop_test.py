@@ -231,9 +231,8 @@ def started(desktop):
     node = Gio.DBusNodeInfo.new_for_xml(
         f"<node><interface name='{watcher}'><method name='RegisterStatusNotifierItem'><arg type='s'/></method>"
         "<property name='IsStatusNotifierHostRegistered' type='b' access='read'/></interface></node>")
-    desktop.bus.register_object("/StatusNotifierWatcher", node.interfaces[0],
-                                lambda bus, sender, *call: items.append((sender, *call[3].unpack())) or call[4].return_value(None),
-                                lambda *get: GLib.Variant("b", True))
+    desktop.bus.register_object("/StatusNotifierWatcher", node.interfaces[0], lambda bus, sender, *call: items.append(
+        (sender, *call[3].unpack())) or call[4].return_value(None), lambda *get: GLib.Variant("b", True))
     threading.Thread(target=GLib.MainLoop().run, daemon=True).start()  # answers the watcher's calls
     desktop.ask_bus("RequestName", "(su)", watcher, 0)
     desktop.app = desktop.launch("xcb")

@@ -22,10 +22,8 @@ const click = actor => {
     for (const state of [Clutter.ButtonState.PRESSED, Clutter.ButtonState.RELEASED])
         testPointer.notify_button(globalThis.testClickTime = GLib.get_monotonic_time(), Clutter.BUTTON_PRIMARY, state);
 };
-// A click this soon after the last one would make it a double click, which the extension takes as Activate.
 const withinDoubleClick = () =>
     GLib.get_monotonic_time() <= (globalThis.testClickTime ?? 0) + 1000 * Clutter.Settings.get_default().doubleClickTime;
-// The texts of an open menu's items once it takes input; nothing while it opens or is closed.
 const openItems = m => m?.isOpen && !m.actor._muteInput ? m.box.get_children().flatMap(texts).filter(t => t) : [];
 """
 
@@ -61,8 +59,9 @@ def gnome(desktop):
         """Opens the indicator's menu with a click: its items, or the item clicked in it."""
         mark = time.monotonic_ns()  # this call's click, noted on the indicator it clicked
         pick = f"click(m.box.get_children().find(c => texts(c).includes('{item}')))" if item else "m.close()"
-        # One click on the indicator once its menu has items and the last click cannot pair with it (one more only on
-        # an indicator that replaced it, after a lock); then the items of the open menu, and a click in it or its close.
+        # One click on the indicator once its menu has items and the last click cannot pair with it into a double click,
+        # which the extension takes as Activate (one more only on an indicator that replaced it, after a lock); then the
+        # items of the menu once it is open and takes input, and a click in it or its close.
         return wait_for("the menu open", lambda: shell(
             f"const i = indicators()[0], m = i?.menu; m?.numMenuItems && i.clicked !== {mark} && !withinDoubleClick() "
             f"&& click(i, i.clicked = {mark}); const items = openItems(m); items.length && {pick}; items"))
