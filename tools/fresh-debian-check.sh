@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
 # The README's two commands on a fresh Debian: a root made by debootstrap from Debian's own
-# packages, a clean clone of this repository's HEAD in it, `make` installed as the README says,
-# then `make run` (judged by its first line, then ended) and `make test`. One line per command;
-# the log of a command that failed follows its line. Needs root (debootstrap, chroot, mounts).
-#   tools/fresh-debian-check.sh [RELEASE [extra make target ...]]
-#   RELEASE: trixie (Debian 13, the default) or bookworm (Debian 12); e.g. `trixie test-asan`
+# packages, a clean clone of this repository's HEAD in it, `make` and `git` installed as the
+# README says, then `make run` (judged by its first line, then ended) and `make test`. One line
+# per command; the log of a command that failed follows its line. Needs root (debootstrap,
+# chroot, mounts).
+#   tools/fresh-debian-check.sh [RELEASE [COMMAND ...]]
+#   RELEASE: trixie (Debian 13, the default) or bookworm (Debian 12); each COMMAND runs after
+#   `make test` in the same root, e.g. `trixie "make test-asan"`
 # The fresh root is kept between runs on a machine, as tools/debian-root.sh says.
 set -euo pipefail
 release="${1:-trixie}"
@@ -25,7 +27,7 @@ fail() {
     failed=1
 }
 
-inside "apt-get update -qq && DEBIAN_FRONTEND=noninteractive apt-get install -y -qq make >/dev/null"
+inside "apt-get update -qq && DEBIAN_FRONTEND=noninteractive apt-get install -y -qq make git >/dev/null"
 
 # make run never ends by itself: it counts as working once Corvane printed its permission line.
 start=$SECONDS
@@ -45,12 +47,14 @@ else
 fi
 end_inside  # Corvane, its Xvfb and its session bus
 
-for target in test "$@"; do
+for command in "make test" "$@"; do
     start=$SECONDS
-    if inside "make $target" >"$work/$target.log" 2>&1; then
-        say "make $target: ok, $(grep -E -m1 'tests passed' "$work/$target.log"), $((SECONDS - start)) s"
+    log="$(mktemp "$work/command.XXXXXX")"
+    if inside "$command" >"$log" 2>&1; then
+        passed="$(grep -E -m1 'tests passed' "$log" || true)"
+        say "$command: ok, ${passed:+$passed, }$((SECONDS - start)) s"
     else
-        fail "make $target" $((SECONDS - start)) "$work/$target.log"
+        fail "$command" $((SECONDS - start)) "$log"
     fi
 done
 exit "$failed"
