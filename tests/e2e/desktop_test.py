@@ -83,8 +83,7 @@ class Desktop:
         app.out, app.errors = out, errors
         return app
 
-    def launch_again(self, platform, **env):
-        """A later launch of the same program: its exit status, standard output and error."""
+    def launch_again(self, platform, **env):  # its exit status, standard output and error
         app = self.launch(platform, "again", **env)
         return app.wait(20), text(app.out), text(app.errors)
 
@@ -119,10 +118,8 @@ class Desktop:
             return amber(ppm.read()[-124 * 24 * 3:])
 
 
-def amber(pixels):
-    """Whether an image (RGB bytes, or a pixbuf) shows the glyph's amber."""
-    step = 3 if isinstance(pixels, bytes) else pixels.get_n_channels()
-    pixels = pixels if isinstance(pixels, bytes) else pixels.get_pixels()
+def amber(pixels, step=3):
+    """Whether an image's pixels (RGB bytes, or step bytes a pixel) show the glyph's amber."""
     return any(r > 200 and 120 < g < 220 and b < 80 for r, g, b in (pixels[i:i + 3] for i in range(0, len(pixels), step)))
 
 
@@ -154,7 +151,6 @@ def sway_windows(node=None):
 
 
 def wayland(desktop):
-    ID = desktop.id
     os.environ["SWAYSOCK"] = f"{desktop.home}/sway.sock"  # sway takes this path when it is free
     desktop.start("sway", "-c", f"{HERE}/sway.conf", WLR_BACKENDS="headless", WLR_LIBINPUT_NO_DEVICES="1",
                   WLR_RENDERER="pixman")
@@ -167,7 +163,7 @@ def wayland(desktop):
 
     print("== the permission line; the window under the desktop entry's app id")
     wait_for("Notification granted", lambda: text(desktop.app.out) == "Notification granted\n")
-    assert [window["app_id"] for window in wait_for("the window", sway_windows)] == [ID], sway_windows()
+    assert [window["app_id"] for window in wait_for("the window", sway_windows)] == [desktop.id], sway_windows()
 
     print("== a panel started after the application shows the item (GNOME's lock restarts one)")
     desktop.start("waybar", "-c", f"{HERE}/waybar.json")
@@ -183,8 +179,8 @@ def wayland(desktop):
     wait_for("the alert", lambda: len(sent()) == 1, 5)
     # A new notification (replaces 0) with the icon and desktop entry the package installs, its
     # sound, and the server's own display time (-1).
-    assert re.search(rf'uint32 0\s+string "{ID}"\s+string "High CPU Usage"[\s\S]*"desktop-entry"\s+variant\s+'
-                     rf'string "{ID}"[\s\S]*"message-new-instant"[\s\S]*int32 -1', text(desktop.traffic)), "the request"
+    assert re.search(rf'uint32 0\s+string "{desktop.id}"\s+string "High CPU Usage"[\s\S]*"desktop-entry"\s+variant\s+'
+                     rf'string "{desktop.id}"[\s\S]*"message-new-instant"[\s\S]*int32 -1', text(desktop.traffic)), "the request"
     dunst.terminate()
     wait_for("dunst gone", lambda: not desktop.has_owner(NOTIFICATIONS))
     desktop.start("dunst")
@@ -198,7 +194,7 @@ def wayland(desktop):
 
     print("== closing the window leaves the item; a second launch and a click on an alert bring the window back")
     def close():
-        run("swaymsg", f"[app_id={ID}] kill")
+        run("swaymsg", f"[app_id={desktop.id}] kill")
         wait_for("the window closed", lambda: not sway_windows())
     close()  # had that ended it, the launch below would start a Corvane that does not end
     status, out, errors = desktop.launch_again("wayland", XDG_ACTIVATION_TOKEN="token-of-the-launcher")
