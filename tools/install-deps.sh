@@ -56,14 +56,21 @@ installed() {  # any of the alternatives "name" or "name (op version)", by dpkg'
     IFS='|' read -ra alternatives <<<"$1"
     for alternative in "${alternatives[@]}"; do
         read -r name op version <<<"${alternative//[()]/ }"
-        status=$(dpkg-query -W -f='${Status},${Version}' "$name" 2>/dev/null) || continue
-        [[ "$status" == "install ok installed,"* ]] || continue
+        status=$(dpkg-query -W -f='${Status},${Version}' "$name" 2>/dev/null) || status=
+        if [[ "$status" != "install ok installed,"* ]]; then
+            [[ -z "$op" && "$provided" == *" $name "* ]] && return 0
+            continue
+        fi
         # A version that does not fit leaves this branch to apt: Debian 13's libqt6svg6 lacks the engine.
         [ -z "$op" ] || dpkg --compare-versions "${status#*,}" "$op" "$version" && return 0
     done
     return 1
 }
 
+# Names that only an installed package provides: on Debian 13, qt6-base-dev provides
+# libqt6opengl6-dev, which is no package of its own there.
+provided=" $(dpkg-query -W -f='${Status}\t${Provides}\n' 2>/dev/null | awk -F'\t' '
+    $1 == "install ok installed" { gsub(/ \([^)]*\)|,/, "", $2); printf "%s ", $2 }')"
 missing=()
 for entry in "${wanted[@]}"; do
     installed "$entry" || missing+=("$entry")
