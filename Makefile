@@ -4,10 +4,11 @@
 # Each installs only what it needs (the lists are in tools/install-deps.sh).
 .PHONY: run test deb test-asan bench clean build-release build-dev build-asan
 
+# The program alone; make deb and make bench build the rest (manual page, changelog, benchmarks).
 build-release:
 	@bash tools/install-deps.sh run
 	cmake --preset release >/dev/null
-	cmake --build --preset release
+	cmake --build --preset release --target corvane
 
 build-dev:
 	@bash tools/install-deps.sh test
@@ -39,6 +40,7 @@ ifeq ($(ARCH),arm64)
 else
 	@bash tools/install-deps.sh deb
 	cmake --preset release >/dev/null
+	cmake --build --preset release
 	cd build/release && SOURCE_DATE_EPOCH=$$(git log -1 --format=%ct) cpack -G DEB
 endif
 
