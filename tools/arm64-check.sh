@@ -58,8 +58,10 @@ step "cross build with the tests" \
     "bash tools/build-deb.sh build/arm64 arm64 -DCORVANE_BUILD_TESTS=ON"
 # Less the death test that executes the test program anew: under qemu-user that needs a binfmt
 # handler, which would be this machine's, not the root's.
+# Displays from :199 up: X servers of other roots share the abstract socket names (CI runs the
+# Debian 13 check beside this one, from :99 up).
 step "unit suite and package checks under qemu-user" "cd build/arm64 && dbus-run-session --
-    xvfb-run -a ctest -LE 'desktop|start' -E WhileTheDesktopStarts -j2 --output-on-failure"
+    xvfb-run -a -n 199 ctest -LE 'desktop|start' -E WhileTheDesktopStarts -j2 --output-on-failure"
 step "start under qemu-user" "cd build/arm64 && ctest -L start --output-on-failure"
 step "the same package from another clone" \
     "bash tools/deb-again.sh build/arm64/corvane_*_arm64.deb arm64"
